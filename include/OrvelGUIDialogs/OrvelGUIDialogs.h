@@ -1,0 +1,69 @@
+/* C interface of libOrvelGUIDialogs. Compiles as C99 and as C++.
+ *
+ * Every function returns a result code as a long:
+ *   0 success, 1 bad argument, 3 no launcher for switch or close,
+ *   4 no certificate data, 7 the exchange with the GUI application failed,
+ *   9 GUI application path not set, 11 a host buffer is too small;
+ *   1 to 8 are also the GUI application's own non-zero exit statuses.
+ * The library's diagnostic log (ORV_GetLog) tells which one it was. */
+#ifndef ORVEL_GUI_DIALOGS_H
+#define ORVEL_GUI_DIALOGS_H
+
+#include <OrvelGUIDialogs/OrvelExport.h>
+
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* One certificate of a list shown by ORV_SelectCertificate and
+ * ORV_ConfirmSignature. The host owns the record and what it points to. */
+typedef struct ORV_Certificate {
+    char *data;                /* dataLength bytes, not terminated */
+    unsigned int dataLength;
+    char *subjectStr;          /* NUL-terminated UTF-8 */
+    char *notAfterStr;         /* NUL-terminated UTF-8 */
+    char *renewDeadlineStr;    /* NUL-terminated UTF-8 */
+    int validDaysRemaining;
+    bool forceRenew;
+    bool warnRenew;
+} ORV_Certificate;
+
+/* Settings and log. A null path or version stores "no value": with no path
+ * every dialog returns 9. The log text stays owned by the library and valid
+ * until the next log entry is written. */
+ORV_EXPORT long ORV_SetAppPath(const char *path);
+ORV_EXPORT long ORV_SetLanguage(int language);
+ORV_EXPORT long ORV_SetOrvelSignVersion(const char *version);
+ORV_EXPORT long ORV_GetLog(const char **log);
+
+/* Modal dialogs: each returns after the GUI application has exited. */
+ORV_EXPORT long ORV_MessageBox(const char *message, const char *info, int icon);
+ORV_EXPORT long ORV_YesNoDialog(const char *message, const char *info, int button, bool *result);
+ORV_EXPORT long ORV_FileOpenDialog(const char *message, const char *fileName, char *outPath,
+                                   unsigned int outPathSize, const char *fileFilter);
+ORV_EXPORT long ORV_FileSaveDialog(const char *message, const char *fileName, char *outPath,
+                                   unsigned int outPathSize, const char *fileFilter);
+ORV_EXPORT long ORV_DisplayCertificate(unsigned char *data, unsigned int length);
+ORV_EXPORT long ORV_SelectCertificate(const ORV_Certificate *certs, unsigned int count,
+                                      unsigned int *selected);
+ORV_EXPORT long ORV_ConfirmSignature(const ORV_Certificate *certs, unsigned int count,
+                                     unsigned int *selected, const char *data, const char *rtf,
+                                     const char *hashAlg, const char *hashVal, bool *confirmed);
+ORV_EXPORT long ORV_SelectPKCS12(char *path, unsigned int pathSize, char *outValue,
+                                 unsigned int outValueSize);
+
+/* The modeless reinsert-card notice: show returns at once, switch changes its
+ * text (1 insert, 0 remove), close ends it and returns the GUI's exit status. */
+ORV_EXPORT long ORV_ReinsertCardShow(const char *message);
+ORV_EXPORT long ORV_ReinsertCardSwitchText(int insert);
+ORV_EXPORT long ORV_ReinsertCardClose(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

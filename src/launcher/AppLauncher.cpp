@@ -1,0 +1,141 @@
+#include <OrvelGUIDialogs/AppLauncher.hpp>
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
+
+#include "launcher/ReplyTokens.hpp"
+#include "platform/Bundle.hpp"
+#include "platform/FileHandle.hpp"
+#include "platform/HostText.hpp"
+#include "platform/PlatformException.hpp"
+#include "platform/Task.hpp"
+
+#include <fcntl.h>
+
+#include <cstdint>
+
+using OrvelDialogs::Platform::FileHandle;
+using OrvelDialogs::Platform::PlatformException;
+using OrvelDialogs::Platform::Task;
+
+namespace {
+
+// A larger pipe for the reply means fewer wake-ups while a big reply streams
+// in. The kernel may refuse; the default size works too.
+constexpr int kReplyPipeSize = 1 << 20;
+
+void enlargePipe(int fd)
+{
+#ifdef F_SETPIPE_SZ
+    fcntl(fd, F_SETPIPE_SZ, kReplyPipeSize);
+#else
+    (void)fd;
+#endif
+}
+
+} // namespace
+
+AppLauncher::AppLauncher() = default;
+AppLauncher::~AppLauncher() = default;
+
+const AppLauncher::FileHandlePtr &AppLauncher::inputHandle() const { return inputHandle_; }
+void AppLauncher::setInputHandle(FileHandlePtr handle) { inputHandle_ = std::move(handle); }
+const AppLauncher::FileHandlePtr &AppLauncher::outputHandle() const { return outputHandle_; }
+void AppLauncher::setOutputHandle(FileHandlePtr handle) { outputHandle_ = std::move(handle); }
+const AppLauncher::TaskPtr &AppLauncher::guiTask() const { return guiTask_; }
+void AppLauncher::setGuiTask(TaskPtr task) { guiTask_ = std::move(task); }
+
+void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::string> &arguments)
+{
+    auto task = std::make_shared<Task>();
+    setGuiTask(task);
+
+    const auto executable = OrvelDialogs::Platform::bundleExecutablePath(bundlePath);
+    if (!executable)
+        throw PlatformException("no application bundle with an executable at \"" + bundlePath + "\"");
+    task->setLaunchPath(*executable);
+    task->setArguments(arguments);
+
+    auto input = OrvelDialogs::Platform::makePipe();
+    auto output = OrvelDialogs::Platform::makePipe();
+    enlargePipe(output.writeEnd.get());
+    task->setStandardInput(std::move(input.readEnd));
+    task->setStandardOutput(std::move(output.writeEnd));
+    setInputHandle(std::make_shared<FileHandle>(std::move(input.writeEnd)));
+    setOutputHandle(std::make_shared<FileHandle>(std::move(output.readEnd)));
+
+    task->launch();
+}
+
+void AppLauncher::WaitUntilExit()
+{
+    if (!guiTask_)
+        throw PlatformException("WaitUntilExit: nothing was launched");
+    guiTask_->waitUntilExit(outputHandle_.get(), &collectedOutput_);
+    outputCollected_ = true;
+    if (guiTask_->terminationStatusLost())
+        logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+}
+
+void AppLauncher::WaitUntilExitDiscardingOutput()
+{
+    if (!guiTask_)
+        throw PlatformException("WaitUntilExit: nothing was launched");
+    guiTask_->waitUntilExit(outputHandle_.get(), nullptr);
+    if (guiTask_->terminationStatusLost())
+        logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+}
+
+int AppLauncher::GetTerminationStatus()
+{
+    if (!guiTask_)
+        throw PlatformException("GetTerminationStatus: nothing was launched");
+    const int status = guiTask_->terminationStatus();
+    if (static_cast<std::uint32_t>(status) < 9)
+        return status;
+    logMsg("Unknown error code number occured:" + std::to_string(status) + "\n");
+    return 7;
+}
+
+int AppLauncher::GetStdoutResponse(const std::string &windowName, std::string &response)
+{
+    std::string bytes;
+    if (outputCollected_) {
+        bytes = std::move(collectedOutput_);
+        collectedOutput_.clear();
+        outputCollected_ = false;
+    } else {
+        if (!outputHandle_)
+            throw PlatformException("GetStdoutResponse: nothing was launched");
+        bytes = outputHandle_->readDataToEndOfFile();
+    }
+    if (bytes.empty())
+        return 7;
+    // Text that is not UTF-8 cannot begin with the window name.
+    if (!OrvelDialogs::Platform::isValidUtf8(bytes) || !bytes.starts_with(windowName)) {
+        logMsg("Chybná odpověď od " + windowName + " okna.\n");
+        return 7;
+    }
+    response = std::move(bytes);
+    return 0;
+}
+
+int AppLauncher::ProcessLogFromGUI(const std::string &response)
+{
+    const auto logIndex = OrvelDialogs::Launcher::findToken(response, "-log");
+    if (!logIndex) {
+        logMsg("Odpověď z GUI neobsahovala log.\n");
+        return 7;
+    }
+    const std::string_view token = OrvelDialogs::Launcher::tokenAt(response, *logIndex + 1);
+    if (token.empty()) {
+        logMsg("log z GUI aplikace je prazdný");
+        return 0;
+    }
+    std::string decoded = OrvelDialogs::Util::Base64Decode(std::string(token));
+    const auto zero = decoded.find('\0');
+    if (zero != std::string::npos)
+        decoded.resize(zero);
+    // A log that is not valid UTF-8 is kept with U+FFFD in place of the bad
+    // bytes: the rest of it is still worth reading.
+    logMsg("log z GUI aplikace: " + OrvelDialogs::Platform::textReplacingInvalidUtf8(decoded) + " \n");
+    return 0;
+}

@@ -1,0 +1,15 @@
+// Reading one value out of a property-list file (XML or binary), as bundles
+// keep their Info.plist.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace OrvelDialogs::Platform {
+
+// The string stored under `key` in the top-level dictionary of the property
+// list at `path`; no value if the file cannot be read or parsed, or holds no
+// such string.
+std::optional<std::string> readStringFromPropertyListFile(const std::string &path, const std::string &key);
+
+} // namespace OrvelDialogs::Platform

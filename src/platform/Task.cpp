@@ -1,0 +1,205 @@
+#include "platform/Task.hpp"
+
+#include "platform/FileHandle.hpp"
+#include "platform/PlatformException.hpp"
+
+#include <poll.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char **environ;
+
+namespace OrvelDialogs::Platform {
+namespace {
+
+// Without a pidfd (old kernels) the wait polls the child at this interval.
+constexpr int kExitPollMilliseconds = 5;
+
+UniqueFd openPidFd(pid_t pid)
+{
+#ifdef SYS_pidfd_open
+    const long fd = syscall(SYS_pidfd_open, pid, 0);
+    if (fd >= 0)
+        return UniqueFd(static_cast<int>(fd));
+#else
+    (void)pid;
+#endif
+    return UniqueFd();
+}
+
+class SpawnFileActions {
+public:
+    SpawnFileActions() { posix_spawn_file_actions_init(&actions_); }
+    ~SpawnFileActions() { posix_spawn_file_actions_destroy(&actions_); }
+    posix_spawn_file_actions_t *get() { return &actions_; }
+
+private:
+    posix_spawn_file_actions_t actions_;
+};
+
+class SpawnAttributes {
+public:
+    SpawnAttributes() { posix_spawnattr_init(&attributes_); }
+    ~SpawnAttributes() { posix_spawnattr_destroy(&attributes_); }
+    posix_spawnattr_t *get() { return &attributes_; }
+
+private:
+    posix_spawnattr_t attributes_;
+};
+
+void check(int error, const char *call)
+{
+    if (error != 0)
+        raiseSystemError(call, error);
+}
+
+} // namespace
+
+Task::~Task()
+{
+    // A child that still runs is left alone (its owner keeps the task until it
+    // has exited); one that has exited is reaped here so that no zombie stays.
+    if (state_ == State::Running)
+        hasExited();
+}
+
+void Task::launch()
+{
+    if (state_ != State::NotLaunched)
+        throw PlatformException("launch: the task was already launched");
+    // The child's pipe ends are ours to close whatever happens below.
+    UniqueFd childStdin = std::move(childStdin_);
+    UniqueFd childStdout = std::move(childStdout_);
+    if (launchPath_.empty())
+        throw PlatformException("launch: no launch path");
+
+    SpawnFileActions actions;
+    if (childStdin.valid())
+        check(posix_spawn_file_actions_adddup2(actions.get(), childStdin.get(), STDIN_FILENO),
+              "posix_spawn_file_actions_adddup2");
+    if (childStdout.valid())
+        check(posix_spawn_file_actions_adddup2(actions.get(), childStdout.get(), STDOUT_FILENO),
+              "posix_spawn_file_actions_adddup2");
+#if defined(__APPLE__)
+    // On macOS POSIX_SPAWN_CLOEXEC_DEFAULT (below) closes everything else.
+#else
+    check(posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1),
+          "posix_spawn_file_actions_addclosefrom_np");
+#endif
+
+    SpawnAttributes attributes;
+    sigset_t emptyMask;
+    sigemptyset(&emptyMask);
+    sigset_t allSignals;
+    sigfillset(&allSignals);
+    short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
+#if defined(__APPLE__)
+    flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;
+#endif
+    check(posix_spawnattr_setsigmask(attributes.get(), &emptyMask), "posix_spawnattr_setsigmask");
+    check(posix_spawnattr_setsigdefault(attributes.get(), &allSignals), "posix_spawnattr_setsigdefault");
+    check(posix_spawnattr_setflags(attributes.get(), flags), "posix_spawnattr_setflags");
+
+    std::vector<char *> argv;
+    argv.reserve(arguments_.size() + 2);
+    argv.push_back(launchPath_.data());
+    for (auto &argument : arguments_)
+        argv.push_back(argument.data());
+    argv.push_back(nullptr);
+
+    pid_t pid = -1;
+    const int error = posix_spawn(&pid, launchPath_.c_str(), actions.get(), attributes.get(), argv.data(), environ);
+    if (error != 0)
+        raiseSystemError("posix_spawn " + launchPath_, error);
+    pid_ = pid;
+    state_ = State::Running;
+    pidFd_ = openPidFd(pid);
+}
+
+void Task::recordExit(int waitStatus)
+{
+    state_ = State::Exited;
+    pidFd_.reset();
+    if (WIFEXITED(waitStatus))
+        status_ = WEXITSTATUS(waitStatus);
+    else if (WIFSIGNALED(waitStatus))
+        status_ = 128 + WTERMSIG(waitStatus);
+    else
+        status_ = waitStatus;
+}
+
+bool Task::hasExited()
+{
+    if (state_ != State::Running)
+        return state_ == State::Exited;
+    int waitStatus = 0;
+    const pid_t reaped = retryOnInterrupt([&] { return waitpid(pid_, &waitStatus, WNOHANG); });
+    if (reaped == pid_) {
+        recordExit(waitStatus);
+        return true;
+    }
+    if (reaped < 0 && errno == ECHILD) {
+        // The host ignores SIGCHLD: the kernel reaped the child and kept no
+        // status.
+        state_ = State::Exited;
+        pidFd_.reset();
+        status_ = 0;
+        statusLost_ = true;
+        return true;
+    }
+    return false;
+}
+
+void Task::blockUntilReaped()
+{
+    while (!hasExited()) {
+        if (pidFd_.valid()) {
+            pollfd exited{pidFd_.get(), POLLIN, 0};
+            if (retryOnInterrupt([&] { return ::poll(&exited, 1, -1); }) < 0)
+                raiseSystemError("poll", errno);
+        } else {
+            ::poll(nullptr, 0, kExitPollMilliseconds);
+        }
+    }
+}
+
+void Task::waitUntilExit(FileHandle *output, std::string *sink)
+{
+    if (state_ == State::NotLaunched)
+        throw PlatformException("waitUntilExit: the task was not launched");
+    bool outputOpen = output != nullptr && !output->isClosed();
+    while (outputOpen && !hasExited()) {
+        pollfd watched[2];
+        nfds_t count = 0;
+        int timeout = kExitPollMilliseconds;
+        if (pidFd_.valid()) {
+            watched[count++] = {pidFd_.get(), POLLIN, 0};
+            timeout = -1;
+        }
+        const nfds_t outputIndex = count;
+        watched[count++] = {output->descriptor(), POLLIN, 0};
+        if (retryOnInterrupt([&] { return ::poll(watched, count, timeout); }) < 0)
+            raiseSystemError("poll", errno);
+        if (watched[outputIndex].revents != 0 &&
+            output->readAvailable(sink) == FileHandle::ReadResult::EndOfFile)
+            outputOpen = false;
+    }
+    blockUntilReaped();
+    // Everything the child wrote is in the pipe by now. Read it without
+    // waiting for the end of the stream, which a grandchild holding the pipe
+    // could put off for ever.
+    if (outputOpen)
+        output->drainWithoutBlocking(sink);
+}
+
+int Task::terminationStatus() const
+{
+    if (state_ != State::Exited)
+        throw PlatformException("terminationStatus: the task has not exited");
+    return status_;
+}
+
+} // namespace OrvelDialogs::Platform

@@ -1,0 +1,70 @@
+// One child process: program, argument vector, standard input and output.
+// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2,
+// the host's standard error, environment and working directory, and starts
+// with an empty signal mask and default signal dispositions.
+#pragma once
+
+#include "platform/Descriptor.hpp"
+
+#include <sys/types.h>
+
+#include <string>
+#include <vector>
+
+namespace OrvelDialogs::Platform {
+
+class FileHandle;
+
+class Task {
+public:
+    Task() = default;
+    ~Task();
+    Task(const Task &) = delete;
+    Task &operator=(const Task &) = delete;
+
+    void setLaunchPath(std::string path) { launchPath_ = std::move(path); }
+    const std::string &launchPath() const { return launchPath_; }
+    void setArguments(std::vector<std::string> arguments) { arguments_ = std::move(arguments); }
+    const std::vector<std::string> &arguments() const { return arguments_; }
+    // The child's ends of its pipes; the task closes them once it has started
+    // the child (or failed to).
+    void setStandardInput(UniqueFd childEnd) { childStdin_ = std::move(childEnd); }
+    void setStandardOutput(UniqueFd childEnd) { childStdout_ = std::move(childEnd); }
+
+    // Starts the child without waiting. Raises the platform exception when
+    // the program cannot be started.
+    void launch();
+
+    bool wasLaunched() const { return state_ != State::NotLaunched; }
+    // Reaps the child if it has exited; never blocks.
+    bool hasExited();
+    // Blocks until the child has exited. Meanwhile `output` (if not null and
+    // open) is read as data arrives, into `sink`, or thrown away when `sink`
+    // is null; after the exit whatever the pipe still holds is read too.
+    void waitUntilExit(FileHandle *output, std::string *sink);
+
+    // The exit status; 128 + the signal's number for a child ended by a
+    // signal; 0 when the status was lost. Raises while the child runs.
+    int terminationStatus() const;
+    // True when the host ignores SIGCHLD and the kernel discarded the status.
+    bool terminationStatusLost() const { return statusLost_; }
+    pid_t processIdentifier() const { return pid_; }
+
+private:
+    enum class State { NotLaunched, Running, Exited };
+
+    void recordExit(int waitStatus);
+    void blockUntilReaped();
+
+    std::string launchPath_;
+    std::vector<std::string> arguments_;
+    UniqueFd childStdin_;
+    UniqueFd childStdout_;
+    UniqueFd pidFd_;
+    pid_t pid_ = -1;
+    State state_ = State::NotLaunched;
+    int status_ = 0;
+    bool statusLost_ = false;
+};
+
+} // namespace OrvelDialogs::Platform

@@ -1,0 +1,51 @@
+// Scripts the fake GUI application for one test and reads back what it saw.
+// The fake reads its script from environment variables, which the library's
+// child inherits; the destructor clears them again.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvelTest {
+
+class FakeGui {
+public:
+    FakeGui();
+    ~FakeGui();
+    FakeGui(const FakeGui &) = delete;
+    FakeGui &operator=(const FakeGui &) = delete;
+
+    static std::string bundlePath();
+
+    // Any bytes, zero bytes and invalid UTF-8 included.
+    FakeGui &reply(std::string_view bytes);
+    // `count` bytes of `fill` after the reply, then `suffix`.
+    FakeGui &fill(size_t count, char fill = 'Q', std::string_view suffix = {});
+    FakeGui &exitStatus(int status);
+    FakeGui &dieBySignal(int signalNumber);
+    FakeGui &readStdin();
+    FakeGui &sleepMs(int milliseconds);
+    FakeGui &closeStdoutEarly();
+    FakeGui &grandchildHoldingStdout(int milliseconds);
+
+    // What the last child recorded.
+    std::vector<std::string> arguments() const;
+    std::string stdinBytes() const;
+    std::vector<int> openDescriptors() const;
+    std::string signalState() const;
+    bool ran() const;
+
+    const std::string &recordDir() const { return recordDir_; }
+
+private:
+    std::string recordDir_;
+    std::string replyFile_;
+};
+
+// "<head> -log <Base64 of log>": a well-formed reply.
+std::string replyWithLog(std::string_view head, std::string_view log = "hello");
+
+std::string base64(std::string_view bytes);
+
+} // namespace OrvelTest

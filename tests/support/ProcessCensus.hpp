@@ -1,0 +1,14 @@
+// Counts of what a test process holds, to show that nothing leaks.
+#pragma once
+
+#include <string>
+
+namespace OrvelTest {
+
+int openDescriptorCount();
+// Children of this process, zombies included.
+int childProcessCount();
+// Children of this process that have exited but were not reaped.
+int zombieChildCount();
+
+} // namespace OrvelTest

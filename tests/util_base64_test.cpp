@@ -1,0 +1,96 @@
+#include <OrvelGUIDialogs/Util.hpp>
+
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <string>
+
+using OrvelDialogs::Util;
+
+namespace {
+
+std::string encode(const std::string &bytes)
+{
+    return Util::Base64Encode(reinterpret_cast<const unsigned char *>(bytes.data()),
+                              static_cast<unsigned int>(bytes.size()));
+}
+
+struct Case {
+    std::string input;
+    std::string expected;
+};
+
+TEST(UtilBase64, EncodesWithPaddingAndNothingElse)
+{
+    const Case cases[] = {
+        {"A", "QQ=="}, {"AB", "QUI="}, {"ABC", "QUJD"}, {"ABCD", "QUJDRA=="},
+        {"\xFF\xFE", "//4="}, {"", ""}, {std::string("\0\0\0", 3), "AAAA"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(encode(c.input), c.expected) << c.input;
+}
+
+TEST(UtilBase64, EncodeWithZeroLengthNeverReadsThePointer)
+{
+    EXPECT_EQ(Util::Base64Encode(nullptr, 0), "");
+}
+
+TEST(UtilBase64, EncodedLengthIsFourPerStartedGroup)
+{
+    for (unsigned n : {1u, 2u, 3u, 999u, 1000u, 1001u})
+        EXPECT_EQ(encode(std::string(n, 'x')).size(), 4 * ((n + 2) / 3)) << n;
+}
+
+TEST(UtilBase64, DecodeStopsAtTheFirstCharacterOutsideTheAlphabet)
+{
+    const Case cases[] = {
+        {"QUJD", "ABC"},        {"QUI=", "AB"},         {"QUI", "AB"},        {"QQ==", "A"},
+        {"QQ", "A"},            {"Q", ""},              {"QUJDRA", "ABCD"},   {"QUJDR", "ABC"},
+        {"QUJD\nREVG", "ABC"},  {"QUJD REVG", "ABC"},   {"=QUJD", ""},        {"QUJD=REVG", "ABC"},
+        {"QUJ-", "AB"},         {"////", "\xFF\xFF\xFF"}, {"", ""},           {"QUJD_REVG", "ABC"},
+        {"AAAA", std::string("\0\0\0", 3)},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Util::Base64Decode(c.input), c.expected) << c.input;
+}
+
+TEST(UtilBase64, RoundTripsEveryByteValue)
+{
+    std::string bytes;
+    for (int i = 0; i < 256; ++i)
+        bytes.push_back(static_cast<char>(i));
+    for (size_t cut = 0; cut < 4; ++cut) {
+        const std::string part = bytes.substr(cut);
+        EXPECT_EQ(Util::Base64Decode(encode(part)), part);
+    }
+}
+
+TEST(UtilBase64, IsBase64AcceptsExactlyTheAlphabetInThePosixLocale)
+{
+    std::setlocale(LC_ALL, "C");
+    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (int c = 0; c < 256; ++c)
+        EXPECT_EQ(Util::is_base64(static_cast<unsigned char>(c)), alphabet.find(static_cast<char>(c)) != std::string::npos && c != 0)
+            << c;
+}
+
+TEST(UtilBase64, ByteAboveAsciiThatTheLocaleCallsAlphanumericJoinsAGroupWithValue255)
+{
+    // In ISO-8859-1, 0xE1 is a letter: it passes is_base64 and counts as a
+    // character outside the alphabet (value 255).
+    if (std::setlocale(LC_CTYPE, "de_DE.ISO-8859-1") == nullptr && std::setlocale(LC_CTYPE, "en_US.ISO-8859-1") == nullptr)
+        GTEST_SKIP() << "no ISO-8859-1 locale on this machine";
+    EXPECT_TRUE(Util::is_base64(0xE1));
+    // a=16 ('Q'), b=255: first byte (4*16 | (255>>4)&3) = 67 ('C').
+    EXPECT_EQ(Util::Base64Decode("Q\xE1"), "C");
+    std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(UtilClass, InstancesCanBeMadeAndDestroyedThroughTheBase)
+{
+    Util *util = new Util();
+    delete util;
+    SUCCEED();
+}
+
+} // namespace
