@@ -10,6 +10,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstring>
+
 extern char **environ;
 
 namespace OrvelDialogs::Platform {
@@ -93,8 +95,10 @@ void Task::launch()
     SpawnAttributes attributes;
     sigset_t emptyMask;
     sigemptyset(&emptyMask);
+    // Every bit set, so that the C library's own real-time signals, which
+    // sigfillset leaves out, get their default disposition too.
     sigset_t allSignals;
-    sigfillset(&allSignals);
+    std::memset(&allSignals, 0xFF, sizeof allSignals);
     short flags = POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF;
 #if defined(__APPLE__)
     flags |= POSIX_SPAWN_CLOEXEC_DEFAULT;

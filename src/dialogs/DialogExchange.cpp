@@ -1,0 +1,102 @@
+#include "dialogs/DialogExchange.hpp"
+
+#include <OrvelGUIDialogs/AppLauncher.hpp>
+#include <OrvelGUIDialogs/LibraryState.hpp>
+
+#include "platform/HostText.hpp"
+#include "platform/Task.hpp"
+#include "state/LauncherSlot.hpp"
+
+#include <limits>
+
+namespace OrvelDialogs::Dialogs {
+
+bool appPathIsSet()
+{
+    return g_appPath && !g_appPath->empty();
+}
+
+OptionalText hostText(const char *text)
+{
+    return Platform::textFromHost(text);
+}
+
+std::string hostTextOrEmpty(const char *text)
+{
+    return Platform::textFromHost(text).value_or(std::string());
+}
+
+std::string decimal(long long value)
+{
+    return std::to_string(value);
+}
+
+std::string languageCode()
+{
+    return decimal(g_appLanguage);
+}
+
+std::optional<long> ExchangeResult::settledBeforeInterpretation() const
+{
+    if (status != 0)
+        return status;
+    if (response != 0)
+        return response;
+    if (logResult != 0)
+        return kSuccess;
+    return std::nullopt;
+}
+
+long resultIgnoringReply(const ExchangeResult &exchange)
+{
+    return exchange.status != 0 ? exchange.status : exchange.response;
+}
+
+ExchangeResult runExchange(const std::string &windowName, const std::vector<std::string> &arguments,
+                           ExchangeOptions options)
+{
+    AppLauncher &launcher = State::installLauncher(std::make_unique<AppLauncher>());
+    launcher.Launch(*g_appPath, arguments);
+    launcher.WaitUntilExit();
+
+    ExchangeResult exchange;
+    exchange.status = options.rawStatus ? launcher.guiTask()->terminationStatus() : launcher.GetTerminationStatus();
+    exchange.response = launcher.GetStdoutResponse(windowName, exchange.reply);
+    // When the reply failed there is nothing to log as the raw reply; the log
+    // step still runs and finds no log section in the empty reply.
+    if (options.logRawReply && exchange.response == 0)
+        logMsg(exchange.reply);
+    exchange.logResult = launcher.ProcessLogFromGUI(exchange.reply);
+    return exchange;
+}
+
+long long integerValue(std::string_view token)
+{
+    size_t i = 0;
+    auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\v' || c == '\f'; };
+    while (i < token.size() && isSpace(token[i]))
+        ++i;
+    bool negative = false;
+    if (i < token.size() && (token[i] == '+' || token[i] == '-')) {
+        negative = token[i] == '-';
+        ++i;
+    }
+    constexpr long long kMax = std::numeric_limits<long long>::max();
+    constexpr long long kMin = std::numeric_limits<long long>::min();
+    long long value = 0;
+    for (; i < token.size() && token[i] >= '0' && token[i] <= '9'; ++i) {
+        const int digit = token[i] - '0';
+        if (!negative) {
+            if (value > (kMax - digit) / 10)
+                return kMax;
+            value = value * 10 + digit;
+        } else {
+            if (value < (kMin + digit) / 10)
+                return kMin;
+            value = value * 10 - digit;
+        }
+    }
+    return value;
+}
+
+} // namespace OrvelDialogs::Dialogs

@@ -1,0 +1,105 @@
+// What every dialog shares: the path test, the run of one GUI application from
+// launch to its log, the reading of its result, and the exception path. A
+// dialog adds only its checks, its argument list and its reply handling.
+#pragma once
+
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
+
+#include "launcher/ArgumentList.hpp"
+#include "platform/PlatformException.hpp"
+
+#include <new>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace OrvelDialogs::Dialogs {
+
+using Launcher::argumentList;
+using Launcher::OptionalText;
+
+inline constexpr long kSuccess = 0;
+inline constexpr long kBadArgument = 1;
+inline constexpr long kNoLauncher = 3;
+inline constexpr long kNoCertificateData = 4;
+inline constexpr long kExchangeFailed = 7;
+inline constexpr long kPathNotSet = 9;
+inline constexpr long kBufferTooSmall = 11;
+
+// True when g_appPath holds a non-empty text.
+bool appPathIsSet();
+
+// The host's text, or no value for null or invalid UTF-8.
+OptionalText hostText(const char *text);
+// A null or invalid text counts as the empty text.
+std::string hostTextOrEmpty(const char *text);
+std::string decimal(long long value);
+std::string languageCode();
+
+struct ExchangeOptions {
+    // The signature confirmation takes the exit status as it is, without
+    // mapping unknown statuses to 7.
+    bool rawStatus = false;
+    // The file save and PKCS#12 dialogs log the whole reply before the GUI's
+    // own log.
+    bool logRawReply = false;
+};
+
+struct ExchangeResult {
+    int status = 0;
+    int response = 0;
+    int logResult = 0;
+    std::string reply;
+
+    // The result before the reply is interpreted: the exit status wins, then
+    // a failed reply. Without a log section the reply is not interpreted and
+    // the dialog ends with 0.
+    std::optional<long> settledBeforeInterpretation() const;
+};
+
+// Puts a new launcher into appLchr, starts the GUI application with
+// `arguments`, waits for it, and reads its status, reply and log. Raises the
+// platform exception where the launcher does.
+ExchangeResult runExchange(const std::string &windowName, const std::vector<std::string> &arguments,
+                           ExchangeOptions options = {});
+
+// The result of a dialog that reads nothing of its reply beyond the beginning.
+long resultIgnoringReply(const ExchangeResult &exchange);
+
+// Logs "Exception occured:" with the call stack of a platform exception and
+// gives 7. Exceptions of any other kind pass.
+template <typename Body>
+long withExceptionPath(Body body)
+{
+    try {
+        return body();
+    } catch (const Platform::PlatformException &exception) {
+        logMsg("Exception occured:\n" + exception.callStackDescription());
+        return kExchangeFailed;
+    }
+}
+
+// The C functions' guard: a C host cannot catch an exception, so none but
+// std::bad_alloc leaves the library; any other is logged and gives 7.
+template <typename Call>
+long callFromC(Call call)
+{
+    try {
+        return call();
+    } catch (const std::bad_alloc &) {
+        throw;
+    } catch (const std::exception &exception) {
+        logMsg(std::string("Exception occured:\n") + exception.what());
+    } catch (...) {
+        logMsg("Exception occured:\nan exception of an unknown type");
+    }
+    return kExchangeFailed;
+}
+
+// `integerValue` reading of a reply token: leading white space, an optional
+// sign and the digits up to the first other character; anything else reads 0;
+// saturates on overflow.
+long long integerValue(std::string_view token);
+
+} // namespace OrvelDialogs::Dialogs

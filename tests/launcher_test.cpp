@@ -1,0 +1,218 @@
+// AppLauncher against real child processes (the scripted fake GUI).
+#include <OrvelGUIDialogs/AppLauncher.hpp>
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
+
+#include "support/FakeGui.hpp"
+#include "support/LogReader.hpp"
+#include "support/ProcessCensus.hpp"
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/time.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+using OrvelTest::FakeGui;
+using OrvelTest::logText;
+using OrvelTest::replyWithLog;
+
+namespace {
+
+struct Exchange {
+    int status = -1;
+    int response = -1;
+    int log = -1;
+    std::string reply;
+    bool logRaised = false;
+};
+
+// Launch, wait, then the three reading steps in their order.
+Exchange runLauncher(const std::string &window, std::vector<std::string> arguments = {})
+{
+    if (arguments.empty())
+        arguments = {"-window", window};
+    AppLauncher launcher;
+    launcher.Launch(FakeGui::bundlePath(), arguments);
+    launcher.WaitUntilExit();
+    Exchange exchange;
+    exchange.status = launcher.GetTerminationStatus();
+    exchange.response = launcher.GetStdoutResponse(window, exchange.reply);
+    try {
+        exchange.log = launcher.ProcessLogFromGUI(exchange.reply);
+    } catch (const std::exception &) {
+        exchange.logRaised = true;
+    }
+    return exchange;
+}
+
+TEST(Launcher, PassesStatusesBelowNineAndMapsTheRestToSeven)
+{
+    struct Case {
+        int exit;
+        int signal;
+        int expected;
+        const char *entry;
+    };
+    const Case cases[] = {
+        {0, 0, 0, nullptr},
+        {3, 0, 3, nullptr},
+        {8, 0, 8, nullptr},
+        {9, 0, 7, "Unknown error code number occured:9\n\n"},
+        {255, 0, 7, "Unknown error code number occured:255\n\n"},
+        // A signal death reports 128 + the signal, never one of the GUI's own codes.
+        {0, SIGKILL, 7, "Unknown error code number occured:137\n\n"},
+        {0, SIGSEGV, 7, "Unknown error code number occured:139\n\n"},
+    };
+    for (const auto &c : cases) {
+        FakeGui gui;
+        gui.reply(replyWithLog("MessageBox"));
+        gui.exitStatus(c.exit);
+        if (c.signal)
+            gui.dieBySignal(c.signal);
+        const std::string before = logText();
+        const Exchange exchange = runLauncher("MessageBox");
+        EXPECT_EQ(exchange.status, c.expected) << c.exit << "/" << c.signal;
+        const std::string added = logText().substr(before.size());
+        if (c.entry)
+            EXPECT_EQ(added.rfind(c.entry, 0), 0u) << added;
+        else
+            EXPECT_EQ(added.find("Unknown error"), std::string::npos) << added;
+    }
+}
+
+TEST(Launcher, ReadsTheReplyAndTheGuiLog)
+{
+    struct Case {
+        std::string reply;
+        int response;
+        int log;
+        bool raised;
+        std::string entries;
+    };
+    const std::string hello = OrvelTest::base64("hello");
+    const Case cases[] = {
+        {"MessageBox -log " + hello, 0, 0, false, "log z GUI aplikace: hello \n\n"},
+        // The beginning test is a test of the text's start, not of a token.
+        {"MessageBoxes -log " + hello, 0, 0, false, "log z GUI aplikace: hello \n\n"},
+        {"", 7, 7, false, "Odpověď z GUI neobsahovala log.\n\n"},
+        {"YesNoDialog yes -log " + hello, 7, 7, false,
+         "Chybná odpověď od MessageBox okna.\n\nOdpověď z GUI neobsahovala log.\n\n"},
+        {"MessageBox \xC3\x28 -log " + hello, 7, 7, false,
+         "Chybná odpověď od MessageBox okna.\n\nOdpověď z GUI neobsahovala log.\n\n"},
+        {"MessageBox", 0, 7, false, "Odpověď z GUI neobsahovala log.\n\n"},
+        {"MessageBox -log", 0, -1, true, ""},
+        {"MessageBox -log  ", 0, 0, false, "log z GUI aplikace je prazdný\n"},
+        // The line feed stays part of the last token: "-log\n" is no "-log".
+        {"MessageBox -log\n", 0, 7, false, "Odpověď z GUI neobsahovala log.\n\n"},
+        {"MessageBox -log " + hello + "\n", 0, 0, false, "log z GUI aplikace: hello \n\n"},
+        {"MessageBox -log " + OrvelTest::base64(std::string("ab\0cd", 5)), 0, 0, false,
+         "log z GUI aplikace: ab \n\n"},
+        {"MessageBox -log " + hello + " -log " + OrvelTest::base64("second"), 0, 0, false,
+         "log z GUI aplikace: hello \n\n"},
+        // A log that is not UTF-8 keeps its readable part.
+        {"MessageBox -log " + OrvelTest::base64("a\xFF" "b"), 0, 0, false, "log z GUI aplikace: a\xEF\xBF\xBD" "b \n\n"},
+    };
+    for (const auto &c : cases) {
+        FakeGui gui;
+        gui.reply(c.reply);
+        const std::string before = logText();
+        const Exchange exchange = runLauncher("MessageBox");
+        SCOPED_TRACE(c.reply);
+        EXPECT_EQ(exchange.status, 0);
+        EXPECT_EQ(exchange.response, c.response);
+        EXPECT_EQ(exchange.logRaised, c.raised);
+        if (!c.raised) {
+            EXPECT_EQ(exchange.log, c.log);
+        }
+        EXPECT_EQ(exchange.reply, c.response == 0 ? c.reply : std::string());
+        EXPECT_EQ(logText().substr(before.size()), c.entries);
+    }
+}
+
+TEST(Launcher, ALargeReplyCompletes)
+{
+    constexpr size_t kSize = 64u << 20;
+    FakeGui gui;
+    gui.reply("MessageBox -log ").fill(kSize, 'Q', " end");
+    const Exchange exchange = runLauncher("MessageBox");
+    EXPECT_EQ(exchange.status, 0);
+    EXPECT_EQ(exchange.response, 0);
+    EXPECT_EQ(exchange.reply.size(), 16 + kSize + 4);
+    EXPECT_EQ(exchange.log, 0);
+}
+
+TEST(Launcher, TheChildInheritsOnlyItsStandardDescriptorsAndDefaultSignals)
+{
+    // A descriptor the host left inheritable, an ignored and a blocked signal.
+    const int leaked = open("/dev/null", O_RDONLY);
+    ASSERT_GE(leaked, 3);
+    signal(SIGUSR1, SIG_IGN);
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR2);
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+
+    FakeGui gui;
+    gui.reply(replyWithLog("MessageBox"));
+    runLauncher("MessageBox", {"-window", "MessageBox", "-message", "with spaces and ümlauts", ""});
+    EXPECT_EQ(gui.openDescriptors(), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(gui.signalState(), "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+    EXPECT_EQ(gui.arguments(), (std::vector<std::string>{"-window", "MessageBox", "-message", "with spaces and ümlauts", ""}));
+    close(leaked);
+}
+
+TEST(Launcher, ManyLaunchesLeaveNoDescriptorOrChildBehind)
+{
+    FakeGui gui;
+    gui.reply(replyWithLog("MessageBox"));
+    runLauncher("MessageBox");
+    const int descriptors = OrvelTest::openDescriptorCount();
+    const int children = OrvelTest::childProcessCount();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(runLauncher("MessageBox").response, 0);
+    EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
+    EXPECT_EQ(OrvelTest::childProcessCount(), children);
+}
+
+volatile sig_atomic_t ticks = 0;
+void countTick(int)
+{
+    ticks = ticks + 1;
+}
+
+TEST(Launcher, WorksWhileTheHostIsInterruptedEveryMillisecond)
+{
+    struct sigaction action{};
+    action.sa_handler = countTick;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = 0; // no SA_RESTART: every blocking call sees EINTR
+    sigaction(SIGALRM, &action, nullptr);
+    const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
+    setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+
+    FakeGui gui;
+    gui.reply("MessageBox -log ").fill(16u << 20, 'Q').sleepMs(20);
+    for (int i = 0; i < 20; ++i) {
+        const Exchange exchange = runLauncher("MessageBox");
+        ASSERT_EQ(exchange.status, 0);
+        ASSERT_EQ(exchange.response, 0);
+        ASSERT_EQ(exchange.reply.size(), 16 + (16u << 20));
+    }
+    const itimerval off{};
+    setitimer(ITIMER_REAL, &off, nullptr);
+    EXPECT_GT(ticks, 20);
+}
+
+TEST(Launcher, LaunchRaisesForWhatIsNoStartableBundle)
+{
+    const std::string regularFile = std::string(ORVEL_FAKE_GUI_BUNDLE) + "/Contents/Info.plist";
+    for (const std::string &path : {std::string("/nonexistent/App.app"), regularFile, std::string("/tmp"), std::string()}) {
+        AppLauncher launcher;
+        EXPECT_THROW(launcher.Launch(path, {"-window", "MessageBox"}), std::exception) << path;
+    }
+}
+
+} // namespace
