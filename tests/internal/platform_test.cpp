@@ -1,0 +1,180 @@
+// The platform layer's pieces that the public interface cannot reach alone:
+// strict UTF-8, bundle lookup, the argument list and reply tokens.
+#include "dialogs/DialogExchange.hpp"
+#include "launcher/ArgumentList.hpp"
+#include "launcher/ReplyTokens.hpp"
+#include "platform/Bundle.hpp"
+#include "platform/HostText.hpp"
+#include "platform/PlatformException.hpp"
+
+#include "support/TempDir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <plist/plist.h>
+
+#include <sys/stat.h>
+
+#include <fstream>
+#include <limits>
+
+namespace {
+
+using OrvelDialogs::Platform::PlatformException;
+
+TEST(HostText, AcceptsOnlyStrictUtf8)
+{
+    struct Case {
+        std::string bytes;
+        bool valid;
+    };
+    const Case cases[] = {
+        {"", true},
+        {"plain ASCII", true},
+        {"\xC5\xBD" "lu\xC5\xA5ou\xC4\x8Dk\xC3\xBD", true},
+        {"\xF0\x9F\x94\x91", true},          // U+1F511
+        {"\xF4\x8F\xBF\xBF", true},          // U+10FFFF
+        {"\xEF\xBF\xBD", true},              // U+FFFD
+        {"\xC3\x28", false},                 // bad continuation
+        {"\xC3", false},                     // cut short
+        {"\xE2\x82", false},                 // cut short
+        {"\xC0\xAF", false},                 // overlong "/"
+        {"\xE0\x80\xAF", false},             // overlong
+        {"\xF0\x80\x80\xAF", false},         // overlong
+        {"\xED\xA0\x80", false},             // surrogate U+D800
+        {"\xF4\x90\x80\x80", false},         // above U+10FFFF
+        {"\xF5\x80\x80\x80", false},
+        {"\xFF", false},
+        {"\x80", false},                     // lone continuation
+        {std::string("a\0b", 3), true},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(OrvelDialogs::Platform::isValidUtf8(c.bytes), c.valid) << testing::PrintToString(c.bytes);
+    EXPECT_FALSE(OrvelDialogs::Platform::textFromHost(nullptr).has_value());
+    EXPECT_EQ(OrvelDialogs::Platform::textReplacingInvalidUtf8("a\xC3\x28" "b\xF0\x9F"), "a\xEF\xBF\xBD(b\xEF\xBF\xBD\xEF\xBF\xBD");
+}
+
+class Bundles : public testing::Test {
+protected:
+    void SetUp() override { root_ = OrvelTest::makeTempDir(); }
+    void TearDown() override { OrvelTest::removeTree(root_); }
+
+    std::string path(const std::string &relative) const { return root_ + "/" + relative; }
+    void makeDirs(const std::string &relative) const
+    {
+        std::string current = root_;
+        size_t start = 0;
+        while (start < relative.size()) {
+            const size_t slash = relative.find('/', start);
+            current += "/" + relative.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
+            mkdir(current.c_str(), 0755);
+            if (slash == std::string::npos)
+                break;
+            start = slash + 1;
+        }
+    }
+    void writeFile(const std::string &relative, const std::string &bytes) const
+    {
+        std::ofstream(path(relative), std::ios::binary) << bytes;
+    }
+    void writeInfoPlist(const std::string &relative, const std::string &executable, bool binary) const
+    {
+        plist_t dict = plist_new_dict();
+        plist_dict_set_item(dict, "CFBundleExecutable", plist_new_string(executable.c_str()));
+        char *bytes = nullptr;
+        uint32_t length = 0;
+        binary ? plist_to_bin(dict, &bytes, &length) : plist_to_xml(dict, &bytes, &length);
+        writeFile(relative, std::string(bytes, length));
+        free(bytes);
+        plist_free(dict);
+    }
+
+    std::string root_;
+};
+
+TEST_F(Bundles, FindTheExecutableInEitherLayout)
+{
+    makeDirs("Mac.app/Contents/MacOS");
+    writeInfoPlist("Mac.app/Contents/Info.plist", "Runner", false);
+    writeFile("Mac.app/Contents/MacOS/Runner", "");
+    makeDirs("Flat.app");
+    writeInfoPlist("Flat.app/Info.plist", "flat-runner", true);
+    writeFile("Flat.app/flat-runner", "");
+    makeDirs("Bare.app/Contents/MacOS");
+    writeFile("Bare.app/Contents/MacOS/Bare", "");
+    makeDirs("Plain");
+    writeFile("Plain/Plain", "");
+
+    const std::pair<std::string, std::string> found[] = {
+        {"Mac.app", "Mac.app/Contents/MacOS/Runner"},
+        {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
+        {"Flat.app", "Flat.app/flat-runner"},
+        {"Bare.app", "Bare.app/Contents/MacOS/Bare"},
+        {"Plain", "Plain/Plain"},
+    };
+    for (const auto &[bundle, executable] : found)
+        EXPECT_EQ(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)), path(executable)) << bundle;
+}
+
+TEST_F(Bundles, NothingForWhatIsNoBundleWithAnExecutable)
+{
+    makeDirs("Missing.app/Contents");
+    writeInfoPlist("Missing.app/Contents/Info.plist", "Gone", false);
+    makeDirs("Escape.app/Contents/MacOS");
+    writeInfoPlist("Escape.app/Contents/Info.plist", "../../../bin/sh", false);
+    makeDirs("Broken.app/Contents/MacOS");
+    writeFile("Broken.app/Contents/Info.plist", "not a property list");
+    writeFile("Broken.app/Contents/MacOS/Broken", "");
+    makeDirs("Empty.app");
+    writeFile("file.app", "");
+    for (const std::string bundle : {"Missing.app", "Escape.app", "Broken.app", "Empty.app", "file.app", "nowhere.app"})
+        EXPECT_FALSE(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)).has_value()) << bundle;
+    EXPECT_FALSE(OrvelDialogs::Platform::bundleExecutablePath("").has_value());
+}
+
+TEST(ArgumentList, RaisesForAnAbsentValue)
+{
+    using OrvelDialogs::Launcher::argumentList;
+    EXPECT_EQ(argumentList({"-window", "X", ""}), (std::vector<std::string>{"-window", "X", ""}));
+    try {
+        argumentList({"-window", "X", "-message", std::nullopt});
+        FAIL();
+    } catch (const PlatformException &exception) {
+        EXPECT_EQ(exception.reason(), "argument list: no value at position 3 (after \"-message\")");
+        const std::string description = exception.callStackDescription();
+        EXPECT_EQ(description.rfind(exception.reason() + "\n", 0), 0u);
+        EXPECT_FALSE(exception.callStackSymbols().empty());
+    }
+}
+
+TEST(ReplyTokens, SplitAtEverySingleSpace)
+{
+    using OrvelDialogs::Launcher::findToken;
+    using OrvelDialogs::Launcher::tokenAt;
+    EXPECT_EQ(tokenAt("a b  c", 0), "a");
+    EXPECT_EQ(tokenAt("a b  c", 2), "");
+    EXPECT_EQ(tokenAt("a b  c", 3), "c");
+    EXPECT_EQ(tokenAt("", 0), "");
+    EXPECT_EQ(tokenAt("a ", 1), "");
+    EXPECT_THROW(tokenAt("a b", 2), PlatformException);
+    EXPECT_EQ(findToken("W -log x -log y", "-log"), 1u);
+    EXPECT_EQ(findToken("W x\n-log", "-log"), std::nullopt);
+    EXPECT_EQ(findToken("-log", "-log"), 0u);
+}
+
+TEST(IntegerValue, ReadsLikeThePlatformsIntegerValue)
+{
+    using OrvelDialogs::Dialogs::integerValue;
+    constexpr long long kMax = std::numeric_limits<long long>::max();
+    constexpr long long kMin = std::numeric_limits<long long>::min();
+    const std::pair<std::string, long long> cases[] = {
+        {"2", 2},      {"-1", -1},   {"+7", 7},     {"  12", 12},   {"\t\n3", 3},  {"12abc", 12},
+        {"abc", 0},    {"", 0},      {"-", 0},      {"+-1", 0},     {"1 2", 1},    {"0x10", 0},
+        {"007", 7},    {"99999999999999999999", kMax}, {"-99999999999999999999", kMin},
+        {"9223372036854775807", kMax}, {"-9223372036854775808", kMin}, {"9223372036854775808", kMax},
+    };
+    for (const auto &[text, value] : cases)
+        EXPECT_EQ(integerValue(text), value) << text;
+}
+
+} // namespace
