@@ -55,7 +55,8 @@ ORV_EXPORT void logMsg(const std::string &message);
 
 // The file patterns of a filter text such as "Documents (pdf,doc)|Text (txt)",
 // or no list for a null or invalid text or when a "*" pattern means all files.
-// An entry with neither "(" nor ")" throws std::out_of_range.
+// An entry with neither "(" nor ")" throws an exception derived from
+// std::runtime_error, as for a token index out of range.
 ORV_EXPORT std::optional<std::vector<std::string>> getFileTypesFromString(const char *filterText);
 
 #endif
