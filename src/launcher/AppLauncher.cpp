@@ -2,6 +2,7 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "launcher/ReplyTokens.hpp"
+#include "launcher/ScriptedChild.hpp"
 #include "platform/Bundle.hpp"
 #include "platform/FileHandle.hpp"
 #include "platform/HostText.hpp"
@@ -9,7 +10,10 @@
 #include "platform/Task.hpp"
 
 #include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 
 using OrvelDialogs::Platform::FileHandle;
@@ -31,7 +35,40 @@ void enlargePipe(int fd)
 #endif
 }
 
+const OrvelDialogs::Launcher::ScriptedChild *currentScript = nullptr;
+
+// The scripted child's output as a file the launcher reads like a pipe.
+OrvelDialogs::Platform::UniqueFd fileHolding(const std::string &bytes)
+{
+    OrvelDialogs::Platform::UniqueFd fd(memfd_create("scripted-child-output", MFD_CLOEXEC));
+    if (!fd.valid())
+        OrvelDialogs::Platform::raiseSystemError("memfd_create", errno);
+    size_t written = 0;
+    while (written < bytes.size()) {
+        const ssize_t n = ::write(fd.get(), bytes.data() + written, bytes.size() - written);
+        if (n < 0 && errno != EINTR)
+            OrvelDialogs::Platform::raiseSystemError("write", errno);
+        written += static_cast<size_t>(std::max<ssize_t>(n, 0));
+    }
+    lseek(fd.get(), 0, SEEK_SET);
+    return fd;
+}
+
 } // namespace
+
+namespace OrvelDialogs::Launcher {
+
+void setScriptedChild(const ScriptedChild *child)
+{
+    currentScript = child;
+}
+
+const ScriptedChild *scriptedChild()
+{
+    return currentScript;
+}
+
+} // namespace OrvelDialogs::Launcher
 
 AppLauncher::AppLauncher() = default;
 AppLauncher::~AppLauncher() = default;
@@ -47,12 +84,19 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
 {
     auto task = std::make_shared<Task>();
     setGuiTask(task);
+    task->setArguments(arguments);
+
+    if (currentScript != nullptr) {
+        task->adoptExitedChild(currentScript->status);
+        setInputHandle(std::make_shared<FileHandle>(OrvelDialogs::Platform::makePipe().writeEnd));
+        setOutputHandle(std::make_shared<FileHandle>(fileHolding(currentScript->output)));
+        return;
+    }
 
     const auto executable = OrvelDialogs::Platform::bundleExecutablePath(bundlePath);
     if (!executable)
         throw PlatformException("no application bundle with an executable at \"" + bundlePath + "\"");
     task->setLaunchPath(*executable);
-    task->setArguments(arguments);
 
     auto input = OrvelDialogs::Platform::makePipe();
     auto output = OrvelDialogs::Platform::makePipe();

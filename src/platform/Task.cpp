@@ -123,6 +123,14 @@ void Task::launch()
     pidFd_ = openPidFd(pid);
 }
 
+void Task::adoptExitedChild(int status)
+{
+    childStdin_.reset();
+    childStdout_.reset();
+    state_ = State::Exited;
+    status_ = status;
+}
+
 void Task::recordExit(int waitStatus)
 {
     state_ = State::Exited;

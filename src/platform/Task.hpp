@@ -35,6 +35,10 @@ public:
     // the program cannot be started.
     void launch();
 
+    // Takes the place of launch() for a child that never ran and counts as
+    // exited with `status` (the launcher's scripted stand-in for fuzzing).
+    void adoptExitedChild(int status);
+
     bool wasLaunched() const { return state_ != State::NotLaunched; }
     // Reaps the child if it has exited; never blocks.
     bool hasExited();

@@ -1,0 +1,36 @@
+#include "platform/PropertyList.hpp"
+
+#include <cstdint>
+#include <limits>
+
+namespace OrvelDialogs::Platform {
+
+namespace {
+
+struct XmlBufferDeleter {
+    void operator()(char *xml) const noexcept { plist_to_xml_free(xml); }
+};
+
+} // namespace
+
+std::string propertyListToXml(plist_t root)
+{
+    char *xml = nullptr;
+    uint32_t length = 0;
+    plist_to_xml(root, &xml, &length);
+    const std::unique_ptr<char, XmlBufferDeleter> owner(xml);
+    if (xml == nullptr)
+        return {};
+    return std::string(xml, length);
+}
+
+PropertyList propertyListFromBytes(std::string_view bytes)
+{
+    if (bytes.empty() || bytes.size() > std::numeric_limits<uint32_t>::max())
+        return nullptr;
+    plist_t root = nullptr;
+    plist_from_memory(bytes.data(), static_cast<uint32_t>(bytes.size()), &root);
+    return PropertyList(root);
+}
+
+} // namespace OrvelDialogs::Platform

@@ -1,0 +1,32 @@
+// Property lists in memory through libplist: owned nodes, the XML document
+// that the GUI application reads, and parsing of whatever format libplist
+// recognises (XML or binary).
+#pragma once
+
+#include <plist/plist.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace OrvelDialogs::Platform {
+
+struct PropertyListDeleter {
+    void operator()(plist_t node) const noexcept { plist_free(node); }
+};
+
+// Owns a node and everything below it. Nodes handed to a container
+// (plist_array_append_item, plist_dict_set_item) belong to the container, so
+// release() them from their owner at that moment.
+using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
+
+// The XML property-list document of `root`: UTF-8, the XML declaration, the
+// property-list document type, <plist version="1.0">, strings escaped. The
+// empty string when libplist produced nothing.
+std::string propertyListToXml(plist_t root);
+
+// The property list held in `bytes`, in any format libplist reads; null when
+// the bytes hold none (or are too long for libplist's 32-bit lengths).
+PropertyList propertyListFromBytes(std::string_view bytes);
+
+} // namespace OrvelDialogs::Platform
