@@ -55,20 +55,9 @@ plist_t item(plist_t dictionary, const char *key)
 
 // An entry of the wrong type counts as missing: decoding reports failure only
 // for the list as a whole.
-std::optional<std::string_view> stringOf(plist_t value)
-{
-    if (value == nullptr || plist_get_node_type(value) != PLIST_STRING)
-        return std::nullopt;
-    uint64_t length = 0;
-    const char *bytes = plist_get_string_ptr(value, &length);
-    if (bytes == nullptr)
-        return std::nullopt;
-    return std::string_view(bytes, static_cast<size_t>(length));
-}
-
 std::optional<std::string> textOf(plist_t value)
 {
-    const auto bytes = stringOf(value);
+    const auto bytes = OrvelDialogs::Platform::stringValue(value);
     return bytes ? OrvelDialogs::Platform::textFromBytes(*bytes) : std::nullopt;
 }
 
@@ -166,7 +155,7 @@ void Certificate::decodeCertificateFromDictionary(plist_t dictionary)
 {
     // Every property is assigned: a missing entry (or no dictionary at all)
     // gives the default.
-    const auto encoded = stringOf(item(dictionary, kDataKey));
+    const auto encoded = OrvelDialogs::Platform::stringValue(item(dictionary, kDataKey));
     data_ = encoded ? b64StringToData(std::string(*encoded)) : std::string();
     subjectStr_ = textOf(item(dictionary, kSubjectKey));
     notAfterStr_ = textOf(item(dictionary, kNotAfterKey));

@@ -33,4 +33,15 @@ PropertyList propertyListFromBytes(std::string_view bytes)
     return PropertyList(root);
 }
 
+std::optional<std::string_view> stringValue(plist_t node)
+{
+    if (node == nullptr || plist_get_node_type(node) != PLIST_STRING)
+        return std::nullopt;
+    uint64_t length = 0;
+    const char *bytes = plist_get_string_ptr(node, &length);
+    if (bytes == nullptr)
+        return std::nullopt;
+    return std::string_view(bytes, static_cast<size_t>(length));
+}
+
 } // namespace OrvelDialogs::Platform

@@ -6,6 +6,7 @@
 #include <plist/plist.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -28,5 +29,8 @@ std::string propertyListToXml(plist_t root);
 // The property list held in `bytes`, in any format libplist reads; null when
 // the bytes hold none (or are too long for libplist's 32-bit lengths).
 PropertyList propertyListFromBytes(std::string_view bytes);
+
+// The bytes of a string node, or none for a null node or one of another type.
+std::optional<std::string_view> stringValue(plist_t node);
 
 } // namespace OrvelDialogs::Platform
