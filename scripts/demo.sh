@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The main job: installs what is missing, builds the library, the reference
 # GUI application and the host tool, then asks a yes/no question in this
-# terminal. Extra arguments replace the question: scripts/demo.sh message --message Hi
+# terminal. Extra arguments replace the question:
+#   scripts/demo.sh --lang cs message --message Hotovo
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -10,7 +11,7 @@ cmake -S . -B build/demo -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVEL_BUILD_TESTS
 cmake --build build/demo -j "$(nproc)"
 
 if [ $# -eq 0 ]; then
-  set -- yesno --message "Podepsat dokument smlouva.pdf?" --info "Certificate: CN=Jan Novák"
+  set -- --lang en yesno --message "Sign the document contract.pdf?" --info "Certificate: CN=Jan Novák"
 fi
 status=0
 build/demo/tools/orvel-dialogs --log "$@" || status=$?

@@ -1,0 +1,100 @@
+// OrvelGUI: the reference GUI application of libOrvelGUIDialogs. The library
+// starts it with "-window NAME" and option pairs; it asks the user, writes
+// its reply to standard output and exits with one of the statuses of
+// Protocol.hpp.
+#include "FrontEnd.hpp"
+#include "Protocol.hpp"
+#include "TerminalFrontEnd.hpp"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <exception>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace OrvelGui;
+
+Outcome show(FrontEnd &frontEnd, const Request &request, Answer &answer, GuiLog &log)
+{
+    switch (request.window) {
+    case Window::MessageBox:
+        return frontEnd.showMessage(request);
+    case Window::YesNoDialog:
+        return frontEnd.askYesNo(request, answer);
+    case Window::FileOpen:
+    case Window::FileSave:
+        return frontEnd.chooseFile(request, answer);
+    case Window::ReinsertCard: {
+        ReinsertCommandReader commands(STDIN_FILENO, log);
+        return frontEnd.reinsertCard(request, commands);
+    }
+    case Window::DisplayCert:
+        return frontEnd.showCertificate(request);
+    case Window::CertificateSelect:
+        return frontEnd.selectCertificate(request, answer);
+    case Window::SignatureConfirm:
+        return frontEnd.confirmSignature(request, answer);
+    case Window::SelectPKCS12:
+        return frontEnd.selectPkcs12(request, answer);
+    }
+    return Outcome::Cancelled;
+}
+
+int finish(const std::string &windowName, const Request *request, Outcome outcome, const Answer &answer,
+           GuiLog &log)
+{
+    int status = kAnswered;
+    switch (outcome) {
+    case Outcome::Answered:
+        break;
+    case Outcome::Cancelled:
+        log.add("Cancelled by the user.");
+        status = kCancelled;
+        break;
+    case Outcome::NoUserInterface:
+        status = kNoUserInterface;
+        break;
+    }
+    writeReply(formatReply(windowName, request, outcome == Outcome::Answered, answer, log));
+    return status;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    // A host that stops reading must not kill us in the middle of a reply.
+    ::signal(SIGPIPE, SIG_IGN);
+    GuiLog log;
+    std::string windowName;
+    try {
+        const std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
+        ParseResult parsed = parseCommandLine(arguments, log);
+        windowName = parsed.windowName;
+        if (!parsed.request) {
+            writeReply(formatReply(windowName, nullptr, false, {}, log));
+            return kBadCommandLine;
+        }
+        Answer answer;
+        Outcome outcome;
+        {
+            // The front end gives the terminal back before the reply is written.
+            TerminalFrontEnd frontEnd(log);
+            outcome = show(frontEnd, *parsed.request, answer, log);
+        }
+        return finish(windowName, &*parsed.request, outcome, answer, log);
+    } catch (const std::exception &error) {
+        log.add(std::string("Internal failure: ") + error.what());
+    } catch (...) {
+        log.add("Internal failure.");
+    }
+    try {
+        writeReply(formatReply(windowName, nullptr, false, {}, log));
+    } catch (...) {
+    }
+    return kInternalFailure;
+}

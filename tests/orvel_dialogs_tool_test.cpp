@@ -1,0 +1,253 @@
+// End to end: the host tool orvel-dialogs, the library, and the reference GUI
+// application (found by the tool next to itself) in a pseudo-terminal, with
+// keys sent as a user would type them.
+#include "terminal_driver.hpp"
+
+#include "support/TempDir.hpp"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <fstream>
+
+namespace {
+
+using namespace OrvelTest;
+
+const std::string kTool = ORVEL_TEST_BUILD_DIR "/../tools/orvel-dialogs";
+const std::string kData = ORVEL_SOURCE_DIR "/tests/data/";
+
+struct Tool {
+    explicit Tool(std::vector<std::string> arguments, std::string folder = {}, bool terminal = true,
+                  bool pipeStdin = false)
+        : process([&] {
+              ProcessOptions options;
+              options.argv = {kTool};
+              options.argv.insert(options.argv.end(), arguments.begin(), arguments.end());
+              options.pipeStdout = true; // the value, apart from what is drawn
+              options.pipeStdin = pipeStdin;
+              options.terminal = terminal;
+              options.workingDirectory = std::move(folder);
+              return options;
+          }())
+    {
+    }
+    DrivenProcess process;
+};
+
+class TempFolder {
+public:
+    TempFolder() : path(makeTempDir()) {}
+    ~TempFolder() { removeTree(path); }
+    void file(const std::string &name) const { std::ofstream(path + "/" + name) << "content"; }
+    const std::string path;
+};
+
+TEST(OrvelDialogsTool, YesNoPrintsTheAnswer)
+{
+    Tool tool({"yesno", "--lang", "en", "--message", "Continue?", "--info", "Details here"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Continue?"));
+    ASSERT_TRUE(p.waitForScreen("Details here"));
+    ASSERT_TRUE(p.waitForScreen("> 1. Yes"));
+    p.sendKeys(kKeyDown);
+    ASSERT_TRUE(p.waitForScreen("> 2. No"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), "no\n");
+}
+
+TEST(OrvelDialogsTool, EscapeCancelsWithStatusTwoInCzech)
+{
+    Tool tool({"yesno", "--lang", "cs", "--message", "Pokračovat?", "--button", "no", "--log"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("> 2. Ne"));
+    p.sendKeys(kKeyEscape);
+    EXPECT_EQ(p.waitExit(), 2);
+    EXPECT_EQ(p.standardOutput(), "");
+    EXPECT_TRUE(p.waitForScreen("Cancelled by the user.")); // the GUI's log, printed by --log
+}
+
+TEST(OrvelDialogsTool, MessageBoxCloses)
+{
+    Tool tool({"message", "--message", "Hello", "--info", "World", "--icon", "warning"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Warning"));
+    ASSERT_TRUE(p.waitForScreen("World"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+}
+
+TEST(OrvelDialogsTool, OpenBrowsesTheFilteredFolder)
+{
+    TempFolder folder;
+    folder.file("a.txt");
+    folder.file("b.pdf");
+    ::mkdir((folder.path + "/sub").c_str(), 0700);
+    folder.file("sub/c.txt");
+    Tool tool({"open", "--lang", "en", "--message", "Pick one", "--filter", "Text (txt)"}, folder.path);
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Filter: Text (txt)"));
+    ASSERT_TRUE(p.waitForScreen("3. sub/"));
+    ASSERT_TRUE(p.waitForScreen("4. a.txt"));
+    EXPECT_EQ(p.screen().find("b.pdf"), std::string::npos);
+    p.sendKeys("3");
+    ASSERT_TRUE(p.waitForScreen("> 3. sub/"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("3. c.txt"));
+    p.sendKeys("3");
+    ASSERT_TRUE(p.waitForScreen("> 3. c.txt"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), folder.path + "/sub/c.txt\n");
+}
+
+TEST(OrvelDialogsTool, SaveTakesATypedNameAndAsksBeforeReplacing)
+{
+    TempFolder folder;
+    folder.file("old.bin");
+    Tool tool({"save", "--lang", "en", "--message", "Where to?", "--filename", "old.bin"}, folder.path);
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.bin"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("exists. Replace it?"));
+    ASSERT_TRUE(p.waitForScreen("> 2. No"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.bin"));
+    p.sendKeys("\x7f\x7f\x7fnew");
+    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.new"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), folder.path + "/old.new\n");
+}
+
+TEST(OrvelDialogsTool, ReinsertFollowsTheCommandsOnStdin)
+{
+    Tool tool({"reinsert", "--lang", "sk", "--message", "Vyberte a vložte kartu"}, {}, true, true);
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Vyberte a vložte kartu"));
+    p.writeStdin("remove\n");
+    ASSERT_TRUE(p.waitForScreen("> Vyberte kartu z čítačky."));
+    p.writeStdin("insert\n");
+    ASSERT_TRUE(p.waitForScreen("> Vložte kartu do čítačky."));
+    p.writeStdin("close\n");
+    EXPECT_EQ(p.waitExit(), 0);
+}
+
+TEST(OrvelDialogsTool, ShowCertReadsADerFile)
+{
+    Tool tool({"show-cert", kData + "bob.der"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example"));
+    ASSERT_TRUE(p.waitForScreen("Key usage:\x1b[0m not restricted"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+}
+
+TEST(OrvelDialogsTool, SelectCertPrintsTheChosenIndex)
+{
+    Tool tool({"select-cert", "--lang", "en", "--force-days", "100000", kData + "alice.pem", kData + "bob.der"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("CN = Jiří Novák | valid until 2126-"));
+    ASSERT_TRUE(p.waitForScreen("RENEWAL REQUIRED by 2126-"));
+    ASSERT_TRUE(p.waitForScreen("2. C = SK, O = Orvel Test, CN = Bob Example"));
+    p.sendKeys(kKeyDown);
+    ASSERT_TRUE(p.waitForScreen("> 2. C = SK"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), "1\n");
+}
+
+TEST(OrvelDialogsTool, ConfirmSignatureWithAnotherCertificate)
+{
+    Tool tool({"confirm-signature", "--lang", "en", "--data", "Pay 100 EUR", "--rtf", "{\\rtf1 Pay}",
+               "--sign-version", "4.2", kData + "alice.pem", kData + "bob.der"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("Application version:\x1b[0m 4.2"));
+    ASSERT_TRUE(p.waitForScreen("Pay 100 EUR"));
+    ASSERT_TRUE(p.waitForScreen("{\\rtf1 Pay}"));
+    ASSERT_TRUE(p.waitForScreen("Hash algorithm:\x1b[0m SHA-256"));
+    // Computed by the tool from --data.
+    ASSERT_TRUE(p.waitForScreen("D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91"));
+    ASSERT_TRUE(p.waitForScreen("Certificate:\x1b[0m C = CZ"));
+    p.sendKeys("3");
+    ASSERT_TRUE(p.waitForScreen("> 3. Change the certificate"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("Select a certificate"));
+    p.sendKeys("2");
+    ASSERT_TRUE(p.waitForScreen("> 2. C = SK"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("Certificate:\x1b[0m C = SK"));
+    p.sendKeys("1");
+    ASSERT_TRUE(p.waitForScreen("> 1. Sign"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), "confirmed 1\n");
+}
+
+TEST(OrvelDialogsTool, CtrlCCancelsTheDialogButNotTheHost)
+{
+    Tool tool({"confirm-signature", "--lang", "en", "--data", "x", kData + "bob.der"});
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("> 1. Sign"));
+    p.sendKeys("\x03");
+    EXPECT_EQ(p.waitExit(), 2); // the GUI's status, passed on by the tool, not death by SIGINT
+    EXPECT_EQ(p.standardOutput(), "");
+}
+
+TEST(OrvelDialogsTool, APathTooLongForTheHostsBufferGivesEleven)
+{
+    TempFolder folder;
+    Tool tool({"save", "--lang", "en", "--buffer-size", "8", "--filename", "long-name.txt"}, folder.path);
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("long-name.txt"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 11);
+    EXPECT_EQ(p.standardOutput(), "");
+}
+
+TEST(OrvelDialogsTool, ReinsertWithoutATerminalStillTakesEveryCommand)
+{
+    Tool tool({"reinsert", "--message", "Card"}, {}, false, true);
+    auto &p = tool.process;
+    p.writeStdin("remove\ninsert\nremove\nclose\n");
+    EXPECT_EQ(p.waitExit(), 6); // from the close: the GUI found no terminal
+    EXPECT_EQ(p.screen().find("switching the text gave"), std::string::npos) << p.screen();
+}
+
+TEST(OrvelDialogsTool, Pkcs12PrintsPathAndPassword)
+{
+    TempFolder folder;
+    folder.file("id.p12");
+    Tool tool({"pkcs12", "--lang", "en", "--filename", "id.p12", "--show-password"}, folder.path);
+    auto &p = tool.process;
+    ASSERT_TRUE(p.waitForScreen("PKCS#12 file: \x1b[0mid.p12"));
+    p.sendKeys(kKeyEnter);
+    ASSERT_TRUE(p.waitForScreen("Password: "));
+    p.sendKeys("s3cret");
+    ASSERT_TRUE(p.waitForScreen("******"));
+    p.sendKeys(kKeyEnter);
+    EXPECT_EQ(p.waitExit(), 0);
+    EXPECT_EQ(p.standardOutput(), folder.path + "/id.p12\ns3cret\n");
+}
+
+TEST(OrvelDialogsTool, NoTerminalAndBadUsage)
+{
+    Tool noTerminal({"yesno", "--message", "Anyone?"}, {}, false);
+    EXPECT_EQ(noTerminal.process.waitExit(), 6);
+    EXPECT_EQ(noTerminal.process.standardOutput(), "");
+
+    Tool unknown({"frobnicate"}, {}, false);
+    EXPECT_EQ(unknown.process.waitExit(), 64);
+    Tool missing({"yesno"}, {}, false);
+    EXPECT_EQ(missing.process.waitExit(), 64);
+    Tool notCertificate({"select-cert", kData + "../gui_app_test.cpp"}, {}, false);
+    EXPECT_EQ(notCertificate.process.waitExit(), 66);
+
+    Tool help({"select-cert", "--help"}, {}, false);
+    EXPECT_EQ(help.process.waitExit(), 0);
+    EXPECT_NE(help.process.standardOutput().find("--force-days"), std::string::npos);
+}
+
+} // namespace
