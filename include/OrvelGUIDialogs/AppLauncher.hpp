@@ -40,7 +40,9 @@ public:
     // so that no reply size can block it.
     void WaitUntilExit();
     // The same for a child whose output nobody reads (the reinsert-card
-    // notice): what it writes is drained and thrown away.
+    // notice): what it writes is drained and thrown away. Commands still kept
+    // for its input go out as it takes them, then its input is closed;
+    // commands it never read before exiting are dropped with a log entry.
     void WaitUntilExitDiscardingOutput();
     // 0 to 8 unchanged; anything else logs and gives 7. A child killed by a
     // signal reports 128 + the signal's number.

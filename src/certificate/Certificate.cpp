@@ -4,6 +4,7 @@
 // answers with indices into that order).
 #include <OrvelGUIDialogs/Certificate.hpp>
 
+#include "certificate/CertificateBase64.hpp"
 #include "platform/HostText.hpp"
 #include "platform/PlatformException.hpp"
 #include "platform/PropertyList.hpp"
@@ -134,7 +135,10 @@ Certificate &Certificate::initWithCertificate(ORV_Certificate record)
 plist_t Certificate::encodeCertificateToDictionary() const
 {
     PropertyList dictionary(plist_new_dict());
-    plist_dict_set_item(dictionary.get(), kDataKey, plist_new_string(dataToBase64String(data_).c_str()));
+    // libplist copies the text: one buffer serves every certificate of a list.
+    static thread_local std::string encoded;
+    OrvelDialogs::CertificateCodec::encodeInto(data_, encoded);
+    plist_dict_set_item(dictionary.get(), kDataKey, plist_new_string(encoded.c_str()));
     plist_dict_set_item(dictionary.get(), kSubjectKey, stringValue(subjectStr_, kSubjectKey));
     plist_dict_set_item(dictionary.get(), kNotAfterKey, stringValue(notAfterStr_, kNotAfterKey));
     plist_dict_set_item(dictionary.get(), kRenewDeadlineKey, stringValue(renewDeadlineStr_, kRenewDeadlineKey));
@@ -173,8 +177,11 @@ int Certificate::encodeCertificateArrayToPropertyList(const std::vector<Certific
     PropertyList array(plist_new_array());
     for (const Certificate &certificate : certificates)
         plist_array_append_item(array.get(), certificate.encodeCertificateToDictionary());
-    const std::string xml = OrvelDialogs::Platform::propertyListToXml(array.get());
-    outText = dataToBase64String(xml);
+    OrvelDialogs::Platform::XmlBuffer storage;
+    const std::string_view xml = OrvelDialogs::Platform::propertyListToXml(array.get(), storage);
+    // The nodes go before the text is made: less memory held at its peak.
+    array.reset();
+    OrvelDialogs::CertificateCodec::encodeInto(xml, outText);
     return xml.empty() ? kFailure : kSuccess;
 }
 

@@ -6,6 +6,8 @@
 // decoders are not interchangeable and stay apart.
 #include <OrvelGUIDialogs/Certificate.hpp>
 
+#include "certificate/CertificateBase64.hpp"
+
 #include "util/Base64Alphabet.hpp"
 
 #include <string_view>
@@ -16,6 +18,9 @@ namespace {
 constexpr char kCertificateAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 static_assert(std::string_view(kCertificateAlphabet) == OrvelDialogs::Base64::kAlphabet,
               "both codecs must write the same text");
+// The encoder's pairs of characters, made of this codec's alphabet.
+constexpr OrvelDialogs::Base64::PairTable kCertificatePairs =
+    OrvelDialogs::Base64::pairTable(kCertificateAlphabet);
 
 constexpr int kSkipped = -1;
 constexpr int kPadding = -2;
@@ -46,10 +51,22 @@ void appendByte(std::string &bytes, unsigned value)
 
 } // namespace
 
+std::string OrvelDialogs::CertificateCodec::encode(std::string_view bytes)
+{
+    std::string text;
+    encodeInto(bytes, text);
+    return text;
+}
+
+void OrvelDialogs::CertificateCodec::encodeInto(std::string_view bytes, std::string &text)
+{
+    OrvelDialogs::Base64::encodeInto(reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size(),
+                                     kCertificateAlphabet, kCertificatePairs, text);
+}
+
 std::string Certificate::dataToBase64String(const std::string &bytes)
 {
-    return OrvelDialogs::Base64::encode(reinterpret_cast<const unsigned char *>(bytes.data()), bytes.size(),
-                                        kCertificateAlphabet);
+    return OrvelDialogs::CertificateCodec::encode(bytes);
 }
 
 std::string Certificate::b64StringToData(const std::string &text)

@@ -3,6 +3,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 
+#include "launcher/ReplyBuffer.hpp"
 #include "platform/HostText.hpp"
 #include "platform/Task.hpp"
 #include "state/LauncherSlot.hpp"
@@ -34,6 +35,11 @@ std::string decimal(long long value)
 std::string languageCode()
 {
     return decimal(g_appLanguage);
+}
+
+ExchangeResult::~ExchangeResult()
+{
+    Launcher::keepReplyBuffer(std::move(reply));
 }
 
 std::optional<long> ExchangeResult::settledBeforeInterpretation() const

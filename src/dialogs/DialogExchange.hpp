@@ -47,6 +47,12 @@ struct ExchangeOptions {
 };
 
 struct ExchangeResult {
+    ExchangeResult() = default;
+    ExchangeResult(ExchangeResult &&) = default;
+    ExchangeResult &operator=(ExchangeResult &&) = default;
+    // Leaves the reply's room to the next dialog's reply.
+    ~ExchangeResult();
+
     int status = 0;
     int response = 0;
     int logResult = 0;

@@ -60,7 +60,9 @@ long Dialog::switchTextReinsertCardDialog(int insert)
         return kBadArgument;
     State::releaseFinishedLaunchers();
     return withExceptionPath([&] {
-        commandInput(*appLchr).writeData(insert == 1 ? kInsertCommand : kRemoveCommand);
+        // A notice that does not read now gets the command later; the host
+        // never waits for it.
+        commandInput(*appLchr).writeWithoutBlocking(insert == 1 ? kInsertCommand : kRemoveCommand);
         return kSuccess;
     });
 }
@@ -71,11 +73,10 @@ long Dialog::closeReinsertCardDialog()
         return kNoLauncher;
     State::releaseFinishedLaunchers();
     return withExceptionPath([&] {
-        Platform::FileHandle &input = commandInput(*appLchr);
-        input.writeData(kCloseCommand);
-        input.closeFile();
-        // Nobody reads this GUI application's output; drain it so that it
-        // cannot block in a write and never exit.
+        commandInput(*appLchr).writeWithoutBlocking(kCloseCommand);
+        // Sends what the notice has not taken yet, then ends its input.
+        // Nobody reads its output; that is drained so that it cannot block in
+        // a write and never exit.
         appLchr->WaitUntilExitDiscardingOutput();
         return static_cast<long>(appLchr->GetTerminationStatus());
     });

@@ -1,6 +1,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
+#include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "launcher/ScriptedChild.hpp"
 #include "platform/Bundle.hpp"
@@ -8,6 +9,8 @@
 #include "platform/HostText.hpp"
 #include "platform/PlatformException.hpp"
 #include "platform/Task.hpp"
+#include "state/Log.hpp"
+#include "util/Base64Alphabet.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -109,23 +112,42 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     task->launch();
 }
 
+namespace {
+
+void logLostStatus(const Task &task)
+{
+    if (task.terminationStatusLost())
+        logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+}
+
+} // namespace
+
 void AppLauncher::WaitUntilExit()
 {
     if (!guiTask_)
         throw PlatformException("WaitUntilExit: nothing was launched");
-    guiTask_->waitUntilExit(outputHandle_.get(), &collectedOutput_);
+    // A modal dialog's input is neither written nor closed.
+    collectedOutput_ = OrvelDialogs::Launcher::takeReplyBuffer();
+    guiTask_->waitUntilExit(nullptr, outputHandle_.get(), &collectedOutput_);
     outputCollected_ = true;
-    if (guiTask_->terminationStatusLost())
-        logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+    logLostStatus(*guiTask_);
 }
 
 void AppLauncher::WaitUntilExitDiscardingOutput()
 {
     if (!guiTask_)
         throw PlatformException("WaitUntilExit: nothing was launched");
-    guiTask_->waitUntilExit(outputHandle_.get(), nullptr);
-    if (guiTask_->terminationStatusLost())
-        logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+    FileHandle *input = inputHandle_.get();
+    guiTask_->waitUntilExit(input, outputHandle_.get(), nullptr);
+    if (input != nullptr && !input->isClosed()) {
+        // The child exited (or closed its input) before it took every command.
+        const size_t unread = input->discardUnread();
+        input->closeFile();
+        if (unread > 0)
+            logMsg("GUI aplikace skončila a nepřečetla " + std::to_string(unread) +
+                   " bajtů příkazů; zahazují se.");
+    }
+    logLostStatus(*guiTask_);
 }
 
 int AppLauncher::GetTerminationStatus()
@@ -155,10 +177,14 @@ int AppLauncher::GetStdoutResponse(const std::string &windowName, std::string &r
         return 7;
     // Text that is not UTF-8 cannot begin with the window name.
     if (!OrvelDialogs::Platform::isValidUtf8(bytes) || !bytes.starts_with(windowName)) {
+        OrvelDialogs::Launcher::keepReplyBuffer(std::move(bytes));
         logMsg("Chybná odpověď od " + windowName + " okna.\n");
         return 7;
     }
-    response = std::move(bytes);
+    // The reply changes places with what `response` held, whose room then
+    // serves the next reply: a large reply is never copied.
+    response.swap(bytes);
+    OrvelDialogs::Launcher::keepReplyBuffer(std::move(bytes));
     return 0;
 }
 
@@ -174,12 +200,24 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         logMsg("log z GUI aplikace je prazdný");
         return 0;
     }
-    std::string decoded = OrvelDialogs::Util::Base64Decode(std::string(token));
-    const auto zero = decoded.find('\0');
-    if (zero != std::string::npos)
-        decoded.resize(zero);
-    // A log that is not valid UTF-8 is kept with U+FFFD in place of the bad
-    // bytes: the rest of it is still worth reading.
-    logMsg("log z GUI aplikace: " + OrvelDialogs::Platform::textReplacingInvalidUtf8(decoded) + " \n");
+    // Decoded straight into the log: a log section of many MiB is not copied
+    // on its way there.
+    OrvelDialogs::State::logEntryInPlace([&](std::string &log) {
+        log.append("log z GUI aplikace: ");
+        const size_t textStart = log.size();
+        OrvelDialogs::Base64::appendUtilDecoded(token, log);
+        const auto zero = log.find('\0', textStart);
+        if (zero != std::string::npos)
+            log.resize(zero);
+        // A log that is not valid UTF-8 is kept with U+FFFD in place of the
+        // bad bytes: the rest of it is still worth reading.
+        const std::string_view text(log.data() + textStart, log.size() - textStart);
+        if (!OrvelDialogs::Platform::isValidUtf8(text)) {
+            std::string readable = OrvelDialogs::Platform::textReplacingInvalidUtf8(text);
+            log.resize(textStart);
+            log += readable;
+        }
+        log.append(" \n");
+    });
     return 0;
 }

@@ -15,7 +15,7 @@
 namespace OrvelDialogs::Platform {
 namespace {
 
-constexpr size_t kMinimumReadChunk = 64 * 1024;
+constexpr size_t kScratchBytes = 64 * 1024;
 
 // Blocks SIGPIPE on the calling thread for the lifetime of the guard. A
 // SIGPIPE that a failed write raised is then pending on this thread; the guard
@@ -56,23 +56,65 @@ private:
 
 FileHandle::FileHandle(UniqueFd fd) : fd_(std::move(fd)) {}
 
-void FileHandle::writeData(std::string_view bytes)
+void FileHandle::writeWithoutBlocking(std::string_view bytes)
 {
     if (!fd_.valid())
-        throw PlatformException("writeData: the file handle is closed");
+        throw PlatformException("write: the file handle is closed");
+    makeNonBlocking();
+    pending_.append(bytes);
+    if (flushPending() == FlushResult::ReaderGone) {
+        // Nobody will ever read them.
+        pending_.clear();
+        pendingStart_ = 0;
+        raiseSystemError("write", EPIPE);
+    }
+}
+
+FileHandle::FlushResult FileHandle::flushPending()
+{
+    if (pendingBytes() == 0)
+        return FlushResult::Done;
+    if (!fd_.valid())
+        return FlushResult::ReaderGone;
+    makeNonBlocking();
     SigpipeGuard guard;
-    size_t written = 0;
-    while (written < bytes.size()) {
-        const ssize_t n = retryOnInterrupt(
-            [&] { return ::write(fd_.get(), bytes.data() + written, bytes.size() - written); });
+    while (pendingStart_ < pending_.size()) {
+        const ssize_t n = retryOnInterrupt([&] {
+            return ::write(fd_.get(), pending_.data() + pendingStart_, pending_.size() - pendingStart_);
+        });
         if (n < 0) {
             const int error = errno;
-            if (error == EPIPE)
+            if (error == EAGAIN || error == EWOULDBLOCK) {
+                // Keep the buffer from growing with bytes already sent.
+                if (pendingStart_ > pending_.size() / 2) {
+                    pending_.erase(0, pendingStart_);
+                    pendingStart_ = 0;
+                }
+                return FlushResult::WouldBlock;
+            }
+            if (error == EPIPE) {
                 guard.noteBrokenPipe();
+                return FlushResult::ReaderGone;
+            }
             raiseSystemError("write", error);
         }
-        written += static_cast<size_t>(n);
+        pendingStart_ += static_cast<size_t>(n);
     }
+    pending_.clear();
+    pendingStart_ = 0;
+    return FlushResult::Done;
+}
+
+size_t FileHandle::discardUnread()
+{
+    size_t unread = pendingBytes();
+    // FIONREAD answers on a pipe's write end too: what sits in the pipe.
+    int queued = 0;
+    if (fd_.valid() && ioctl(fd_.get(), FIONREAD, &queued) == 0 && queued > 0)
+        unread += static_cast<size_t>(queued);
+    std::string().swap(pending_);
+    pendingStart_ = 0;
+    return unread;
 }
 
 void FileHandle::closeFile()
@@ -84,24 +126,29 @@ FileHandle::ReadResult FileHandle::readAvailable(std::string *sink)
 {
     if (!fd_.valid())
         return ReadResult::EndOfFile;
-    // Size the read from what the pipe holds, so that a large reply is read
-    // in few calls and the buffer grows in few steps.
+    // Read exactly what the pipe holds, straight into the sink. Growing the
+    // sink by a fixed slack on every call would zero-fill it and touch fresh
+    // pages for nothing; a small reply then costs a few bytes, not 64 KiB.
     int queued = 0;
     if (ioctl(fd_.get(), FIONREAD, &queued) != 0 || queued < 0)
         queued = 0;
-    const size_t chunk = std::max(kMinimumReadChunk, static_cast<size_t>(queued));
 
-    static thread_local char discardBuffer[kMinimumReadChunk];
     ssize_t n;
-    if (sink == nullptr) {
-        n = retryOnInterrupt([&] { return ::read(fd_.get(), discardBuffer, sizeof discardBuffer); });
-    } else {
+    if (sink != nullptr && queued > 0) {
         const size_t oldSize = sink->size();
-        if (sink->capacity() < oldSize + chunk)
-            sink->reserve(std::max(oldSize + chunk, sink->capacity() * 2));
-        sink->resize(oldSize + chunk);
-        n = retryOnInterrupt([&] { return ::read(fd_.get(), sink->data() + oldSize, chunk); });
+        const size_t wanted = static_cast<size_t>(queued);
+        if (sink->capacity() < oldSize + wanted)
+            sink->reserve(std::max(oldSize + wanted, sink->capacity() * 2));
+        sink->resize(oldSize + wanted);
+        n = retryOnInterrupt([&] { return ::read(fd_.get(), sink->data() + oldSize, wanted); });
         sink->resize(oldSize + static_cast<size_t>(std::max<ssize_t>(n, 0)));
+    } else {
+        // Nothing reported: the end of the stream, output to throw away, or
+        // a descriptor that FIONREAD does not answer for.
+        static thread_local char scratch[kScratchBytes];
+        n = retryOnInterrupt([&] { return ::read(fd_.get(), scratch, sizeof scratch); });
+        if (n > 0 && sink != nullptr)
+            sink->append(scratch, static_cast<size_t>(n));
     }
     if (n > 0)
         return ReadResult::Data;
@@ -114,11 +161,12 @@ FileHandle::ReadResult FileHandle::readAvailable(std::string *sink)
 
 void FileHandle::makeNonBlocking()
 {
-    if (!fd_.valid())
+    if (!fd_.valid() || nonBlocking_)
         return;
     const int flags = fcntl(fd_.get(), F_GETFL);
-    if (flags >= 0 && (flags & O_NONBLOCK) == 0)
-        fcntl(fd_.get(), F_SETFL, flags | O_NONBLOCK);
+    if (flags < 0 || ((flags & O_NONBLOCK) == 0 && fcntl(fd_.get(), F_SETFL, flags | O_NONBLOCK) != 0))
+        return;
+    nonBlocking_ = true;
 }
 
 void FileHandle::drainWithoutBlocking(std::string *sink)

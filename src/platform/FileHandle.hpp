@@ -1,4 +1,5 @@
-// One end of a pipe: write bytes, read to the end of the stream, close.
+// One end of a pipe: write bytes without blocking, read to the end of the
+// stream, close.
 #pragma once
 
 #include "platform/Descriptor.hpp"
@@ -15,9 +16,20 @@ public:
     int descriptor() const { return fd_.get(); }
     bool isClosed() const { return !fd_.valid(); }
 
-    // Writes every byte. A closed handle or a reader that has gone raises the
-    // platform exception; SIGPIPE never reaches the process.
-    void writeData(std::string_view bytes);
+    // Writes what the reader takes now and never blocks: the rest is kept, in
+    // order behind anything kept before, and goes out with later writes or
+    // flushPending(). A closed handle or a reader that has gone raises the
+    // platform exception and drops what was kept; SIGPIPE never reaches the
+    // process.
+    void writeWithoutBlocking(std::string_view bytes);
+    enum class FlushResult { Done, WouldBlock, ReaderGone };
+    // Writes as much of what is kept as the reader takes now. Never raises
+    // for a reader that has gone: that is ReaderGone, and the bytes stay kept.
+    FlushResult flushPending();
+    size_t pendingBytes() const { return pending_.size() - pendingStart_; }
+    // Drops what is kept. The count of bytes the reader never got: those kept
+    // plus those still unread in the pipe.
+    size_t discardUnread();
     void closeFile();
 
     // Blocks until the end of the stream and returns every byte read.
@@ -34,6 +46,10 @@ public:
 
 private:
     UniqueFd fd_;
+    bool nonBlocking_ = false;
+    // Bytes not yet taken by the reader, from pendingStart_ on.
+    std::string pending_;
+    size_t pendingStart_ = 0;
 };
 
 } // namespace OrvelDialogs::Platform

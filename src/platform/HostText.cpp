@@ -1,5 +1,8 @@
 #include "platform/HostText.hpp"
 
+#include <cstdint>
+#include <cstring>
+
 namespace OrvelDialogs::Platform {
 
 namespace {
@@ -39,13 +42,28 @@ size_t validSequenceLength(const unsigned char *p, const unsigned char *end)
     return length;
 }
 
+// Past the ASCII bytes at p, eight at a time: replies and logs are mostly
+// ASCII and may run to many MiB.
+const unsigned char *skipAscii(const unsigned char *p, const unsigned char *end)
+{
+    constexpr std::uint64_t kHighBits = 0x8080808080808080u;
+    for (std::uint64_t word; end - p >= 8; p += 8) {
+        std::memcpy(&word, p, sizeof word);
+        if ((word & kHighBits) != 0)
+            break;
+    }
+    while (p < end && *p < 0x80)
+        ++p;
+    return p;
+}
+
 } // namespace
 
 bool isValidUtf8(std::string_view bytes)
 {
     const auto *p = reinterpret_cast<const unsigned char *>(bytes.data());
     const auto *end = p + bytes.size();
-    while (p < end) {
+    while ((p = skipAscii(p, end)) < end) {
         const size_t length = validSequenceLength(p, end);
         if (length == 0)
             return false;
@@ -57,20 +75,24 @@ bool isValidUtf8(std::string_view bytes)
 std::string textReplacingInvalidUtf8(std::string_view bytes)
 {
     const auto *begin = reinterpret_cast<const unsigned char *>(bytes.data());
-    const auto *p = begin;
-    const auto *end = p + bytes.size();
+    const auto *end = begin + bytes.size();
     std::string text;
     text.reserve(bytes.size());
-    while (p < end) {
+    // Runs of valid sequences are copied whole; each byte that starts none
+    // becomes U+FFFD.
+    const unsigned char *run = begin;
+    const unsigned char *p = begin;
+    while ((p = skipAscii(p, end)) < end) {
         const size_t length = validSequenceLength(p, end);
-        if (length == 0) {
-            text += "\xEF\xBF\xBD";
-            ++p;
-        } else {
-            text.append(bytes.substr(static_cast<size_t>(p - begin), length));
+        if (length != 0) {
             p += length;
+            continue;
         }
+        text.append(reinterpret_cast<const char *>(run), static_cast<size_t>(p - run));
+        text += "\xEF\xBF\xBD";
+        run = ++p;
     }
+    text.append(reinterpret_cast<const char *>(run), static_cast<size_t>(end - run));
     return text;
 }
 

@@ -5,23 +5,21 @@
 
 namespace OrvelDialogs::Platform {
 
-namespace {
-
-struct XmlBufferDeleter {
-    void operator()(char *xml) const noexcept { plist_to_xml_free(xml); }
-};
-
-} // namespace
-
-std::string propertyListToXml(plist_t root)
+std::string_view propertyListToXml(plist_t root, XmlBuffer &storage)
 {
     char *xml = nullptr;
     uint32_t length = 0;
     plist_to_xml(root, &xml, &length);
-    const std::unique_ptr<char, XmlBufferDeleter> owner(xml);
+    storage.reset(xml);
     if (xml == nullptr)
         return {};
-    return std::string(xml, length);
+    return std::string_view(xml, length);
+}
+
+std::string propertyListToXml(plist_t root)
+{
+    XmlBuffer storage;
+    return std::string(propertyListToXml(root, storage));
 }
 
 PropertyList propertyListFromBytes(std::string_view bytes)

@@ -26,6 +26,14 @@ using PropertyList = std::unique_ptr<void, PropertyListDeleter>;
 // empty string when libplist produced nothing.
 std::string propertyListToXml(plist_t root);
 
+struct XmlBufferDeleter {
+    void operator()(char *xml) const noexcept { plist_to_xml_free(xml); }
+};
+using XmlBuffer = std::unique_ptr<char, XmlBufferDeleter>;
+// The same document in libplist's own buffer, which `storage` then owns: a
+// document of megabytes that is read once is not copied first.
+std::string_view propertyListToXml(plist_t root, XmlBuffer &storage);
+
 // The property list held in `bytes`, in any format libplist reads; null when
 // the bytes hold none (or are too long for libplist's 32-bit lengths).
 PropertyList propertyListFromBytes(std::string_view bytes);

@@ -178,13 +178,22 @@ void Task::blockUntilReaped()
     }
 }
 
-void Task::waitUntilExit(FileHandle *output, std::string *sink)
+void Task::waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink)
 {
     if (state_ == State::NotLaunched)
         throw PlatformException("waitUntilExit: the task was not launched");
+    bool inputOpen = input != nullptr && !input->isClosed();
     bool outputOpen = output != nullptr && !output->isClosed();
-    while (outputOpen && !hasExited()) {
-        pollfd watched[2];
+    // Once everything went out the child may read to the end of its input.
+    auto closeInputWhenSent = [&] {
+        if (inputOpen && input->pendingBytes() == 0) {
+            input->closeFile();
+            inputOpen = false;
+        }
+    };
+    closeInputWhenSent();
+    while ((outputOpen || inputOpen) && !hasExited()) {
+        pollfd watched[3];
         nfds_t count = 0;
         int timeout = kExitPollMilliseconds;
         if (pidFd_.valid()) {
@@ -192,12 +201,23 @@ void Task::waitUntilExit(FileHandle *output, std::string *sink)
             timeout = -1;
         }
         const nfds_t outputIndex = count;
-        watched[count++] = {output->descriptor(), POLLIN, 0};
+        if (outputOpen)
+            watched[count++] = {output->descriptor(), POLLIN, 0};
+        const nfds_t inputIndex = count;
+        if (inputOpen)
+            watched[count++] = {input->descriptor(), POLLOUT, 0};
         if (retryOnInterrupt([&] { return ::poll(watched, count, timeout); }) < 0)
             raiseSystemError("poll", errno);
-        if (watched[outputIndex].revents != 0 &&
+        if (outputOpen && watched[outputIndex].revents != 0 &&
             output->readAvailable(sink) == FileHandle::ReadResult::EndOfFile)
             outputOpen = false;
+        if (inputOpen && watched[inputIndex].revents != 0) {
+            // A reader that has gone takes nothing more; what is left stays
+            // kept for the caller to count.
+            if (input->flushPending() == FileHandle::FlushResult::ReaderGone)
+                inputOpen = false;
+            closeInputWhenSent();
+        }
     }
     blockUntilReaped();
     // Everything the child wrote is in the pipe by now. Read it without

@@ -45,7 +45,10 @@ public:
     // Blocks until the child has exited. Meanwhile `output` (if not null and
     // open) is read as data arrives, into `sink`, or thrown away when `sink`
     // is null; after the exit whatever the pipe still holds is read too.
-    void waitUntilExit(FileHandle *output, std::string *sink);
+    // What `input` (if not null and open) still keeps is written as the child
+    // takes it, and the input is closed once all of it went out; if the
+    // child exits or stops reading first, the rest stays kept in `input`.
+    void waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink);
 
     // The exit status; 128 + the signal's number for a child ended by a
     // signal; 0 when the status was lost. Raises while the child runs.

@@ -3,6 +3,8 @@
 #include <OrvelGUIDialogs/LibraryState.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
+#include "state/Log.hpp"
+
 void logMsg(const std::string &message)
 {
     if (!g_logBuffer)
@@ -10,6 +12,25 @@ void logMsg(const std::string &message)
     g_logBuffer->append(message);
     g_logBuffer->push_back('\n');
 }
+
+namespace OrvelDialogs::State {
+
+void logEntryInPlace(const std::function<void(std::string &)> &write)
+{
+    if (!g_logBuffer)
+        g_logBuffer.emplace();
+    std::string &log = *g_logBuffer;
+    const size_t entryStart = log.size();
+    try {
+        write(log);
+    } catch (...) {
+        log.resize(entryStart);
+        throw;
+    }
+    log.push_back('\n');
+}
+
+} // namespace OrvelDialogs::State
 
 namespace OrvelDialogs {
 

@@ -4,6 +4,7 @@
 //   FAKEGUI_RECORD_DIR    write argv (NUL-separated), the open descriptors,
 //                         the signal mask and ignored signals, and what was
 //                         read from stdin into files in this directory
+//   FAKEGUI_GATE_FILE     first wait until this file exists
 //   FAKEGUI_READ_STDIN    1: read stdin to its end before replying
 //   FAKEGUI_REPLY_FILE    write this file's bytes as the reply
 //   FAKEGUI_REPLY         or write this text as the reply
@@ -124,6 +125,10 @@ int main(int argc, char **argv)
         writeFile(recordDir + "/signals", signalState());
     }
 
+    const std::string gate = env("FAKEGUI_GATE_FILE");
+    while (!gate.empty() && access(gate.c_str(), F_OK) != 0)
+        sleepMilliseconds(2);
+
     if (env("FAKEGUI_READ_STDIN") == "1") {
         const std::string input = readToEnd(STDIN_FILENO);
         if (!recordDir.empty())
@@ -156,6 +161,11 @@ int main(int argc, char **argv)
 
     const long grandchildMs = envNumber("FAKEGUI_GRANDCHILD_MS", 0);
     if (grandchildMs > 0 && fork() == 0) {
+        // Only stdout stays held: a test runner waits for stderr to close.
+        const int null = open("/dev/null", O_WRONLY);
+        dup2(null, STDERR_FILENO);
+        if (null > STDERR_FILENO)
+            close(null);
         sleepMilliseconds(grandchildMs);
         _exit(0);
     }

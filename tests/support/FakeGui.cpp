@@ -14,7 +14,7 @@ namespace {
 constexpr const char *kVariables[] = {
     "FAKEGUI_RECORD_DIR", "FAKEGUI_READ_STDIN", "FAKEGUI_REPLY_FILE", "FAKEGUI_REPLY",
     "FAKEGUI_FILL_BYTES", "FAKEGUI_FILL_CHAR", "FAKEGUI_REPLY_SUFFIX", "FAKEGUI_CLOSE_STDOUT",
-    "FAKEGUI_GRANDCHILD_MS", "FAKEGUI_SLEEP_MS", "FAKEGUI_SIGNAL", "FAKEGUI_EXIT"};
+    "FAKEGUI_GRANDCHILD_MS", "FAKEGUI_SLEEP_MS", "FAKEGUI_SIGNAL", "FAKEGUI_EXIT", "FAKEGUI_GATE_FILE"};
 
 std::string readFile(const std::string &path)
 {
@@ -33,10 +33,16 @@ void set(const char *name, const std::string &value)
 
 FakeGui::FakeGui() : recordDir_(makeTempDir())
 {
+    replyFile_ = recordDir_ + "/reply-script";
+    clear();
+}
+
+FakeGui &FakeGui::clear()
+{
     for (const char *name : kVariables)
         unsetenv(name);
     set("FAKEGUI_RECORD_DIR", recordDir_);
-    replyFile_ = recordDir_ + "/reply-script";
+    return *this;
 }
 
 FakeGui::~FakeGui()
@@ -81,6 +87,12 @@ FakeGui &FakeGui::dieBySignal(int signalNumber)
 FakeGui &FakeGui::readStdin()
 {
     set("FAKEGUI_READ_STDIN", "1");
+    return *this;
+}
+
+FakeGui &FakeGui::gate(const std::string &path)
+{
+    set("FAKEGUI_GATE_FILE", path);
     return *this;
 }
 

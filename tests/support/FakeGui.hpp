@@ -18,6 +18,12 @@ public:
 
     static std::string bundlePath();
 
+    // Back to the default script (no reply, exit 0) with the same record
+    // directory. The C library keeps every distinct environment string it
+    // was given for good, so a long run re-scripts one fake with recurring
+    // values instead of making a new one per dialog.
+    FakeGui &clear();
+
     // Any bytes, zero bytes and invalid UTF-8 included.
     FakeGui &reply(std::string_view bytes);
     // `count` bytes of `fill` after the reply, then `suffix`.
@@ -25,6 +31,8 @@ public:
     FakeGui &exitStatus(int status);
     FakeGui &dieBySignal(int signalNumber);
     FakeGui &readStdin();
+    // The child does nothing until `path` exists.
+    FakeGui &gate(const std::string &path);
     FakeGui &sleepMs(int milliseconds);
     FakeGui &closeStdoutEarly();
     FakeGui &grandchildHoldingStdout(int milliseconds);

@@ -1,0 +1,15 @@
+// The log append for an entry written in place, for entries too large to be
+// built apart and then copied (a GUI log of many MiB).
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace OrvelDialogs::State {
+
+// The log append with the message written by `write`, which appends it to
+// the string it is handed (the log). If `write` raises, the log is left as
+// it was and the exception passes.
+void logEntryInPlace(const std::function<void(std::string &)> &write);
+
+} // namespace OrvelDialogs::State
