@@ -1,0 +1,53 @@
+// ORV_MessageBox with a minimal responder bundle, against the least a dialog
+// can cost: the same responder started with bare posix_spawn, two pipes, a
+// read to the end and waitpid.
+#include "BenchTable.hpp"
+#include "spawn_baseline.h"
+
+#include <OrvelGUIDialogs/OrvelGUIDialogs.h>
+
+namespace {
+
+void MessageBoxRoundTrip_Ours(benchmark::State &state)
+{
+    ORV_SetAppPath(ORVEL_BENCH_RESPONDER_BUNDLE);
+    const OrvelBench::FaultCounter faults(state);
+    for (auto _ : state)
+        if (ORV_MessageBox("m", nullptr, 0) != 0) {
+            state.SkipWithError("the dialog failed");
+            break;
+        }
+}
+BENCHMARK(MessageBoxRoundTrip_Ours)->UseRealTime();
+
+void MessageBoxRoundTrip_Baseline(benchmark::State &state)
+{
+    // The argument vector the library passes.
+    char path[] = ORVEL_BENCH_RESPONDER, window[] = "-window", name[] = "MessageBox", message[] = "-message",
+         text[] = "m", icon[] = "-icon", zero[] = "0";
+    char *const argv[] = {path, window, name, message, text, icon, zero, nullptr};
+    char buffer[4096];
+    const OrvelBench::FaultCounter faults(state);
+    for (auto _ : state)
+        if (orvel_spawn_round_trip(path, argv, buffer, sizeof buffer) <= 0) {
+            state.SkipWithError("the responder failed");
+            break;
+        }
+}
+BENCHMARK(MessageBoxRoundTrip_Baseline)->UseRealTime();
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    return OrvelBench::runAndReport(argc, argv, [](const OrvelBench::Results &results, OrvelBench::Table &table) {
+        const auto &ours = OrvelBench::find(results, "MessageBoxRoundTrip_Ours");
+        const auto &baseline = OrvelBench::find(results, "MessageBoxRoundTrip_Baseline");
+        const double ratio = ours.seconds / baseline.seconds;
+        table.row("ORV_MessageBox round trip, minimal responder bundle",
+                  OrvelBench::microseconds(ours.seconds) + OrvelBench::faults(ours),
+                  OrvelBench::microseconds(baseline.seconds) + OrvelBench::faults(baseline) +
+                      " (posix_spawn + pipes + read + waitpid)",
+                  OrvelBench::fixed(ratio, 3), "ratio <= 1.05", ratio <= 1.05);
+    });
+}
