@@ -4,6 +4,7 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
+#include "support/Interruptions.hpp"
 #include "support/ProcessCensus.hpp"
 #include "support/TempDir.hpp"
 
@@ -14,6 +15,7 @@
 
 #include <chrono>
 #include <fstream>
+#include <memory>
 #include <functional>
 
 using OrvelTest::FakeGui;
@@ -226,21 +228,9 @@ TEST_F(Faults, DialogsWorkWhenTheHostIgnoresSigchld)
     expectHostGoesOn("SIGCHLD back at its default");
 }
 
-volatile sig_atomic_t ticks = 0;
-void countTick(int)
-{
-    ticks = ticks + 1;
-}
-
 TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
 {
-    struct sigaction action{};
-    action.sa_handler = countTick;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = 0; // no SA_RESTART: every blocking call sees EINTR
-    ASSERT_EQ(sigaction(SIGALRM, &action, nullptr), 0);
-    const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+    auto interruptions = std::make_unique<OrvelTest::EveryMillisecondInterruptions>();
 
     {
         // The log section comes after 64 MiB: the whole reply must arrive.
@@ -263,10 +253,8 @@ TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
         EXPECT_EQ(ORV_ReinsertCardClose(), 6);
         EXPECT_EQ(notice.stdinBytes(), sent + "ReinsertCard close");
     }
-    const itimerval off{};
-    setitimer(ITIMER_REAL, &off, nullptr);
-    signal(SIGALRM, SIG_DFL);
-    EXPECT_GT(ticks, 20);
+    EXPECT_GT(interruptions->count(), 20);
+    interruptions.reset();
     expectHostGoesOn("after the interruptions");
 }
 

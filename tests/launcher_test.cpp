@@ -3,6 +3,7 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/FakeGui.hpp"
+#include "support/Interruptions.hpp"
 #include "support/LogReader.hpp"
 #include "support/ProcessCensus.hpp"
 
@@ -177,21 +178,9 @@ TEST(Launcher, ManyLaunchesLeaveNoDescriptorOrChildBehind)
     EXPECT_EQ(OrvelTest::childProcessCount(), children);
 }
 
-volatile sig_atomic_t ticks = 0;
-void countTick(int)
-{
-    ticks = ticks + 1;
-}
-
 TEST(Launcher, WorksWhileTheHostIsInterruptedEveryMillisecond)
 {
-    struct sigaction action{};
-    action.sa_handler = countTick;
-    sigemptyset(&action.sa_mask);
-    action.sa_flags = 0; // no SA_RESTART: every blocking call sees EINTR
-    sigaction(SIGALRM, &action, nullptr);
-    const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
-    setitimer(ITIMER_REAL, &everyMillisecond, nullptr);
+    OrvelTest::EveryMillisecondInterruptions interruptions;
 
     FakeGui gui;
     gui.reply("MessageBox -log ").fill(16u << 20, 'Q').sleepMs(20);
@@ -201,9 +190,7 @@ TEST(Launcher, WorksWhileTheHostIsInterruptedEveryMillisecond)
         ASSERT_EQ(exchange.response, 0);
         ASSERT_EQ(exchange.reply.size(), 16 + (16u << 20));
     }
-    const itimerval off{};
-    setitimer(ITIMER_REAL, &off, nullptr);
-    EXPECT_GT(ticks, 20);
+    EXPECT_GT(interruptions.count(), 20);
 }
 
 TEST(Launcher, LaunchRaisesForWhatIsNoStartableBundle)
