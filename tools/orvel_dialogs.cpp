@@ -310,6 +310,8 @@ private:
         return parsed;
     }
     int loadCertificates(HostCertificates &certificates) const;
+    // The certificate files and --selected, shared by the two list dialogs.
+    int loadCertificatesAndSelection(HostCertificates &certificates, unsigned &selected) const;
 
     int message();
     int yesNo();
@@ -491,15 +493,23 @@ int Dialogs::loadCertificates(HostCertificates &certificates) const
     return 0;
 }
 
-int Dialogs::selectCertificate()
+int Dialogs::loadCertificatesAndSelection(HostCertificates &certificates, unsigned &selected) const
 {
-    HostCertificates certificates;
     if (const int status = loadCertificates(certificates))
         return status;
     const auto selectedOption = number("--selected", 0, 0, UINT_MAX);
     if (!selectedOption)
         return kUsageError;
-    auto selected = static_cast<unsigned>(*selectedOption);
+    selected = static_cast<unsigned>(*selectedOption);
+    return 0;
+}
+
+int Dialogs::selectCertificate()
+{
+    HostCertificates certificates;
+    unsigned selected = 0;
+    if (const int status = loadCertificatesAndSelection(certificates, selected))
+        return status;
     const long result = ORV_SelectCertificate(certificates.records(), certificates.count(), &selected);
     if (result == 0)
         std::printf("%u\n", selected);
@@ -529,11 +539,9 @@ int Dialogs::confirmSignature()
     if (!has("--data"))
         return usage("confirm-signature needs --data");
     HostCertificates certificates;
-    if (const int status = loadCertificates(certificates))
+    unsigned selected = 0;
+    if (const int status = loadCertificatesAndSelection(certificates, selected))
         return status;
-    const auto selectedOption = number("--selected", 0, 0, UINT_MAX);
-    if (!selectedOption)
-        return kUsageError;
     const std::string data = value("--data");
     const std::string algorithm = value("--hash-alg", "SHA-256");
     std::string hash = value("--hash-value");
@@ -544,7 +552,6 @@ int Dialogs::confirmSignature()
         hash = *computed;
     }
     ORV_SetOrvelSignVersion(value("--sign-version", ORVEL_VERSION).c_str());
-    auto selected = static_cast<unsigned>(*selectedOption);
     bool confirmed = false;
     const long result = ORV_ConfirmSignature(certificates.records(), certificates.count(), &selected, data.c_str(),
                                              optionalText("--rtf"), algorithm.c_str(), hash.c_str(), &confirmed);
