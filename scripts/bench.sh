@@ -13,7 +13,8 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-dir=build/bench
+# Not build/bench: that is the bench folder of a developer build in build/.
+dir=build/release-bench
 programs=(message_box_round_trip large_reply base64 certificate_list log_growth)
 
 cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVEL_BUILD_BENCH=ON -DORVEL_BUILD_TESTS=OFF >/dev/null
