@@ -9,6 +9,8 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   python3 locales
+  qt6-base-dev libgl-dev
+  xvfb xauth xdotool fonts-dejavu-core
 )
 
 missing=()

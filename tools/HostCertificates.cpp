@@ -1,6 +1,6 @@
 #include "HostCertificates.hpp"
 
-#include "CertificateText.hpp"
+#include "common/CertificateText.hpp"
 
 #include <cerrno>
 #include <climits>

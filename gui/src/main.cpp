@@ -2,9 +2,9 @@
 // starts it with "-window NAME" and option pairs; it asks the user, writes
 // its reply to standard output and exits with one of the statuses of
 // Protocol.hpp.
-#include "FrontEnd.hpp"
-#include "Protocol.hpp"
-#include "TerminalFrontEnd.hpp"
+#include "protocol/FrontEnd.hpp"
+#include "protocol/Protocol.hpp"
+#include "terminal/TerminalFrontEnd.hpp"
 
 #include <signal.h>
 #include <unistd.h>

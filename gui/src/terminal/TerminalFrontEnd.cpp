@@ -1,6 +1,6 @@
-#include "TerminalFrontEnd.hpp"
+#include "terminal/TerminalFrontEnd.hpp"
 
-#include "CertificateText.hpp"
+#include "common/CertificateText.hpp"
 
 #include <algorithm>
 #include <cstdint>

@@ -5,7 +5,7 @@
 // process (the handler restores, then re-raises the signal).
 #pragma once
 
-#include "GuiLog.hpp"
+#include "protocol/GuiLog.hpp"
 
 #include <poll.h>
 

@@ -1,4 +1,4 @@
-#include "Texts.hpp"
+#include "common/Texts.hpp"
 
 namespace OrvelGui {
 namespace {

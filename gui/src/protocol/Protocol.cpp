@@ -1,4 +1,4 @@
-#include "Protocol.hpp"
+#include "protocol/Protocol.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/Util.hpp>

@@ -1,4 +1,4 @@
-#include "CertificateText.hpp"
+#include "common/CertificateText.hpp"
 
 #include <openssl/asn1.h>
 #include <openssl/bio.h>

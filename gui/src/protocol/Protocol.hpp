@@ -4,7 +4,7 @@
 // and the reinsert-card commands that arrive on standard input.
 #pragma once
 
-#include "GuiLog.hpp"
+#include "protocol/GuiLog.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 // "{}" marks where a value goes (see fill()).
 #pragma once
 
-#include "Protocol.hpp"
+#include "protocol/Protocol.hpp"
 
 #include <initializer_list>
 #include <string>

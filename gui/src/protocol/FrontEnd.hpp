@@ -4,7 +4,7 @@
 // one implementation; a desktop one can sit beside it.
 #pragma once
 
-#include "Protocol.hpp"
+#include "protocol/Protocol.hpp"
 
 namespace OrvelGui {
 

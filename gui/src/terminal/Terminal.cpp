@@ -1,4 +1,4 @@
-#include "Terminal.hpp"
+#include "terminal/Terminal.hpp"
 
 #include <fcntl.h>
 #include <signal.h>

@@ -3,9 +3,9 @@
 // cancels).
 #pragma once
 
-#include "FrontEnd.hpp"
-#include "Terminal.hpp"
-#include "Texts.hpp"
+#include "protocol/FrontEnd.hpp"
+#include "terminal/Terminal.hpp"
+#include "common/Texts.hpp"
 
 #include <memory>
 #include <optional>

@@ -1,0 +1,25 @@
+// How the data to be signed is put before the user. Both front ends show it
+// through this, so that data which is not text is never shown blank (and so
+// never signed unseen).
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace OrvelGui {
+
+struct SignedDataView {
+    bool isText = true; // false: `text` is a hex dump of the bytes
+    std::string text;
+};
+
+// UTF-8 data as it is; anything else as a hex dump, 16 bytes a line:
+// "00000000  50 61 79 20 ... |Pay ...|".
+SignedDataView viewSignedData(std::string_view bytes);
+
+// The hex dump alone.
+std::string hexDump(std::string_view bytes);
+
+bool isUtf8(std::string_view bytes);
+
+} // namespace OrvelGui
