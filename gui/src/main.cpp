@@ -4,7 +4,7 @@
 // Protocol.hpp.
 #include "protocol/FrontEnd.hpp"
 #include "protocol/Protocol.hpp"
-#include "terminal/TerminalFrontEnd.hpp"
+#include "FrontEndChoice.hpp"
 
 #include <signal.h>
 #include <unistd.h>
@@ -82,9 +82,10 @@ int main(int argc, char **argv)
         Answer answer;
         Outcome outcome;
         {
-            // The front end gives the terminal back before the reply is written.
-            TerminalFrontEnd frontEnd(log);
-            outcome = show(frontEnd, *parsed.request, answer, log);
+            // The front end gives the terminal or the display back before the
+            // reply is written.
+            FrontEndChoice choice(log);
+            outcome = show(choice.frontEnd(), *parsed.request, answer, log);
         }
         return finish(windowName, &*parsed.request, outcome, answer, log);
     } catch (const std::exception &error) {

@@ -10,6 +10,9 @@
 #include <openssl/x509.h>
 #include <openssl/x509v3.h>
 
+#include <arpa/inet.h>
+#include <sys/socket.h>
+
 #include <climits>
 #include <ctime>
 #include <memory>
@@ -55,6 +58,83 @@ std::string nameText(const X509_NAME *name)
     char *data = nullptr;
     const long length = BIO_get_mem_data(bio.get(), &data);
     return length > 0 ? std::string(data, static_cast<std::size_t>(length)) : std::string();
+}
+
+// Each attribute of a name as "SN = value", in the certificate's order.
+std::vector<std::string> nameParts(const X509_NAME *name)
+{
+    std::vector<std::string> parts;
+    const int count = name ? X509_NAME_entry_count(name) : 0;
+    for (int i = 0; i < count; ++i) {
+        const X509_NAME_ENTRY *entry = X509_NAME_get_entry(name, i);
+        const ASN1_OBJECT *object = X509_NAME_ENTRY_get_object(entry);
+        const int nid = OBJ_obj2nid(object);
+        char oid[80];
+        const char *label = nid != NID_undef ? OBJ_nid2sn(nid) : nullptr;
+        if (!label) {
+            OBJ_obj2txt(oid, sizeof oid, object, 1);
+            label = oid;
+        }
+        unsigned char *utf8 = nullptr;
+        const int length = ASN1_STRING_to_UTF8(&utf8, X509_NAME_ENTRY_get_data(entry));
+        std::string value = length >= 0 ? std::string(reinterpret_cast<char *>(utf8), static_cast<std::size_t>(length))
+                                        : std::string("?");
+        OPENSSL_free(utf8);
+        parts.push_back(std::string(label) + " = " + value);
+    }
+    return parts;
+}
+
+std::string publicKeyText(X509 *cert)
+{
+    EVP_PKEY *key = X509_get0_pubkey(cert);
+    if (!key)
+        return "?";
+    const int id = EVP_PKEY_get_base_id(key);
+    const char *name = OBJ_nid2sn(id);
+    std::string text = name ? name : "?";
+    if (id == EVP_PKEY_EC) {
+        char curve[80] = {};
+        std::size_t curveLength = 0;
+        if (EVP_PKEY_get_utf8_string_param(key, "group", curve, sizeof curve, &curveLength) == 1)
+            text += std::string(" ") + curve;
+    }
+    const int bits = EVP_PKEY_get_bits(key);
+    if (bits > 0)
+        text += ", " + std::to_string(bits) + " bits";
+    return text;
+}
+
+std::vector<std::string> alternativeNames(X509 *cert)
+{
+    std::vector<std::string> names;
+    auto *general = static_cast<GENERAL_NAMES *>(X509_get_ext_d2i(cert, NID_subject_alt_name, nullptr, nullptr));
+    if (!general)
+        return names;
+    for (int i = 0; i < sk_GENERAL_NAME_num(general); ++i) {
+        const GENERAL_NAME *name = sk_GENERAL_NAME_value(general, i);
+        int type = 0;
+        const auto *value = static_cast<const ASN1_STRING *>(GENERAL_NAME_get0_value(name, &type));
+        const auto text = [&](const char *prefix) {
+            names.push_back(prefix + std::string(reinterpret_cast<const char *>(ASN1_STRING_get0_data(value)),
+                                                 static_cast<std::size_t>(ASN1_STRING_length(value))));
+        };
+        if (type == GEN_DNS)
+            text("DNS:");
+        else if (type == GEN_EMAIL)
+            text("email:");
+        else if (type == GEN_URI)
+            text("URI:");
+        else if (type == GEN_IPADD && (ASN1_STRING_length(value) == 4 || ASN1_STRING_length(value) == 16)) {
+            char buffer[64] = {};
+            const int family = ASN1_STRING_length(value) == 4 ? AF_INET : AF_INET6;
+            if (inet_ntop(family, ASN1_STRING_get0_data(value), buffer, sizeof buffer))
+                names.push_back(std::string("IP:") + buffer);
+        } else
+            names.push_back("other:?");
+    }
+    GENERAL_NAMES_free(general);
+    return names;
 }
 
 std::optional<std::int64_t> epochOf(const ASN1_TIME *time)
@@ -120,6 +200,12 @@ CertificateDetails readCertificate(std::string_view bytes)
 
     details.subject = nameText(X509_get_subject_name(cert.get()));
     details.issuer = nameText(X509_get_issuer_name(cert.get()));
+    details.subjectParts = nameParts(X509_get_subject_name(cert.get()));
+    details.issuerParts = nameParts(X509_get_issuer_name(cert.get()));
+    details.publicKey = publicKeyText(cert.get());
+    const int signatureNid = X509_get_signature_nid(cert.get());
+    details.signatureAlgorithm = signatureNid != NID_undef ? OBJ_nid2ln(signatureNid) : "?";
+    details.subjectAltNames = alternativeNames(cert.get());
     details.serial = serialText(X509_get0_serialNumber(cert.get()));
     details.notBefore = timeText(X509_get0_notBefore(cert.get()));
     details.notAfter = timeText(X509_get0_notAfter(cert.get()));
@@ -129,6 +215,8 @@ CertificateDetails readCertificate(std::string_view bytes)
     unsigned int mdLength = 0;
     if (X509_digest(cert.get(), EVP_sha256(), md, &mdLength) == 1)
         details.sha256 = hexColons(md, mdLength);
+    if (X509_digest(cert.get(), EVP_sha1(), md, &mdLength) == 1)
+        details.sha1 = hexColons(md, mdLength);
 
     const std::uint32_t usage = X509_get_key_usage(cert.get());
     if (usage != UINT32_MAX) {
@@ -157,6 +245,15 @@ CertificateDetails readCertificate(std::string_view bytes)
     }
     ERR_clear_error();
     return details;
+}
+
+std::optional<std::int64_t> daysRemaining(const CertificateDetails &details, std::int64_t now)
+{
+    if (!details.notAfterEpoch)
+        return std::nullopt;
+    const std::int64_t seconds = *details.notAfterEpoch - now;
+    // Rounded down, also below zero: one second past the end is day -1.
+    return seconds >= 0 ? seconds / 86400 : -((-seconds + 86399) / 86400);
 }
 
 std::string formatDate(std::int64_t epochSeconds)

@@ -67,6 +67,25 @@ struct Texts {
     const char *pkcs12File;
     const char *password;
     const char *moreBytes;
+    // Desktop windows.
+    const char *cancel;
+    const char *details;
+    const char *browse;
+    const char *hide;
+    const char *filterPlaceholder;
+    const char *daysLeft;
+    const char *daysRemaining;
+    const char *publicKey;
+    const char *signatureAlgorithm;
+    const char *subjectAltNames;
+    const char *fingerprintSha1;
+    const char *dataNotText;
+    const char *readAllToSign;
+    const char *pkcs12CannotRead;
+    const char *pkcs12NotPkcs12;
+    const char *pkcs12WrongPassword;
+    const char *pkcs12Filter;
+    const char *reinsertWaiting;
 };
 
 const Texts &texts(Language language);

@@ -1,0 +1,77 @@
+#include "desktop/DesktopWindow.hpp"
+
+#include "desktop/HostWatch.hpp"
+
+#include <QFontDatabase>
+#include <QLabel>
+#include <QPlainTextEdit>
+
+#include <algorithm>
+
+namespace OrvelGui {
+
+namespace {
+// Past this a message scrolls instead of stretching the window.
+constexpr qsizetype kLongText = 600;
+constexpr qsizetype kManyLines = 12;
+} // namespace
+
+QString qs(const std::string &text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString qs(const char *text)
+{
+    return QString::fromUtf8(text);
+}
+
+QLabel *plainLabel(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    return label;
+}
+
+QPlainTextEdit *textView(const QString &text, bool monospace, QWidget *parent)
+{
+    auto *view = new QPlainTextEdit(parent);
+    view->setReadOnly(true);
+    view->setPlainText(text);
+    view->setLineWrapMode(monospace ? QPlainTextEdit::NoWrap : QPlainTextEdit::WidgetWidth);
+    view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    if (monospace)
+        view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    view->setTabChangesFocus(true);
+    return view;
+}
+
+QWidget *messageView(const std::string &text, QWidget *parent)
+{
+    const QString shown = qs(text);
+    if (shown.size() < kLongText && shown.count(QLatin1Char('\n')) < kManyLines)
+        return plainLabel(shown, parent);
+    QPlainTextEdit *view = textView(shown, false, parent);
+    view->setMinimumSize(520, 240);
+    return view;
+}
+
+DesktopWindow::DesktopWindow(const Request &request, const char *title, QWidget *parent, bool watchHost)
+    : QDialog(parent), request_(request), texts_(texts(request.language))
+{
+    setWindowTitle(qs(title));
+    setAccessibleName(qs(title));
+    setSizeGripEnabled(true);
+    if (!watchHost)
+        return;
+    auto *watch = new HostWatch(this);
+    connect(watch, &HostWatch::hostGone, this, [this] {
+        hostGone_ = true;
+        reject();
+    });
+}
+
+} // namespace OrvelGui

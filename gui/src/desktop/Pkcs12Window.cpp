@@ -1,0 +1,119 @@
+#include "desktop/Pkcs12Window.hpp"
+
+#include "common/Pkcs12Check.hpp"
+#include "desktop/HostWatch.hpp"
+
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace OrvelGui {
+
+Pkcs12Window::Pkcs12Window(const Request &request, QWidget *parent)
+    : DesktopWindow(request, texts(request.language).titlePkcs12, parent)
+{
+    const Texts &t = texts_;
+    const auto label = [](const char *text) {
+        QString shown = qs(text).trimmed();
+        if (shown.endsWith(QLatin1Char(':')))
+            shown.chop(1);
+        return shown;
+    };
+    auto *layout = new QVBoxLayout(this);
+    auto *form = new QFormLayout;
+    file_ = new QLineEdit(qs(request.fileName), this);
+    file_->setAccessibleName(label(t.pkcs12File));
+    file_->setMinimumWidth(380);
+    auto *browse = new QPushButton(qs(t.browse), this);
+    browse->setAccessibleName(qs(t.browse));
+    browse->setAutoDefault(false);
+    auto *fileRow = new QHBoxLayout;
+    fileRow->addWidget(file_, 1);
+    fileRow->addWidget(browse);
+    form->addRow(label(t.pkcs12File) + QLatin1Char(':'), fileRow);
+    password_ = new QLineEdit(this);
+    password_->setEchoMode(QLineEdit::Password);
+    password_->setAccessibleName(label(t.password));
+    form->addRow(label(t.password) + QLatin1Char(':'), password_);
+    layout->addLayout(form);
+    problem_ = plainLabel(QString(), this);
+    problem_->setStyleSheet(QStringLiteral("color: #b00000"));
+    problem_->setAccessibleName(QStringLiteral("problem"));
+    problem_->hide();
+    layout->addWidget(problem_);
+
+    auto *buttons = new QDialogButtonBox(this);
+    ok_ = buttons->addButton(qs(t.ok), QDialogButtonBox::AcceptRole);
+    QPushButton *cancel = buttons->addButton(qs(t.cancel), QDialogButtonBox::RejectRole);
+    ok_->setAccessibleName(qs(t.ok));
+    cancel->setAccessibleName(qs(t.cancel));
+    ok_->setDefault(true);
+    layout->addWidget(buttons);
+
+    const auto fileChanged = [this] { ok_->setEnabled(QFileInfo(file_->text()).isFile()); };
+    connect(file_, &QLineEdit::textChanged, this, fileChanged);
+    connect(browse, &QPushButton::clicked, this, &Pkcs12Window::browse);
+    connect(buttons, &QDialogButtonBox::accepted, this, &Pkcs12Window::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    fileChanged();
+    (QFileInfo(file_->text()).isFile() ? password_ : file_)->setFocus();
+}
+
+std::string Pkcs12Window::path() const
+{
+    return QFile::encodeName(QFileInfo(file_->text()).absoluteFilePath()).toStdString();
+}
+
+std::string Pkcs12Window::password() const
+{
+    return password_->text().toStdString();
+}
+
+void Pkcs12Window::browse()
+{
+    const QFileInfo current(file_->text());
+    const QString start = file_->text().isEmpty() ? QDir::currentPath() : current.absoluteFilePath();
+    QFileDialog chooser(this, qs(texts_.titlePkcs12), start, qs(texts_.pkcs12Filter));
+    chooser.setFileMode(QFileDialog::ExistingFile);
+    auto *watch = new HostWatch(&chooser);
+    connect(watch, &HostWatch::hostGone, &chooser, &QDialog::reject);
+    if (chooser.exec() == QDialog::Accepted && !chooser.selectedFiles().isEmpty()) {
+        file_->setText(chooser.selectedFiles().front());
+        password_->setFocus();
+    }
+}
+
+void Pkcs12Window::accept()
+{
+    if (!ok_->isEnabled())
+        return;
+    const std::string file = path();
+    const char *problem = nullptr;
+    switch (checkPkcs12(file, password())) {
+    case Pkcs12Check::Ok:
+        DesktopWindow::accept();
+        return;
+    case Pkcs12Check::CannotRead:
+        problem = texts_.pkcs12CannotRead;
+        break;
+    case Pkcs12Check::NotPkcs12:
+        problem = texts_.pkcs12NotPkcs12;
+        break;
+    case Pkcs12Check::WrongPassword:
+        problem = texts_.pkcs12WrongPassword;
+        break;
+    }
+    problem_->setText(qs(fill(problem, {file})));
+    problem_->show();
+    password_->selectAll();
+    password_->setFocus();
+}
+
+} // namespace OrvelGui
