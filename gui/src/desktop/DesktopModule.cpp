@@ -1,6 +1,7 @@
 // The entry point of the desktop module (libOrvelGUIDesktop).
 #include "desktop/DesktopFrontEnd.hpp"
 #include "desktop/DesktopSession.hpp"
+#include "desktop/FirstPaintHook.hpp"
 
 #include <QApplication>
 
@@ -14,6 +15,7 @@ public:
     explicit QtDesktopSession(GuiLog &log) : application_(argc_, argv_), frontEnd_(log)
     {
         QApplication::setApplicationDisplayName(QStringLiteral("Orvel Dialogs"));
+        FirstPaintHook::installIfRequested(&application_);
     }
     FrontEnd &frontEnd() override { return frontEnd_; }
 

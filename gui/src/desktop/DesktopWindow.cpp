@@ -40,6 +40,9 @@ QPlainTextEdit *textView(const QString &text, bool monospace, QWidget *parent)
 {
     auto *view = new QPlainTextEdit(parent);
     view->setReadOnly(true);
+    // Read by keyboard as well: the arrows, the page keys and Ctrl+End move
+    // through the text.
+    view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     view->setPlainText(text);
     view->setLineWrapMode(monospace ? QPlainTextEdit::NoWrap : QPlainTextEdit::WidgetWidth);
     view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);

@@ -18,6 +18,19 @@
 #include <QVBoxLayout>
 
 namespace OrvelGui {
+namespace {
+
+// The last line of the text is in the view: the corner at its bottom right
+// lies at the end of the text. (The scroll bar alone may stop a line short.)
+bool endIsOnScreen(QPlainTextEdit *view)
+{
+    const QRect area = view->viewport()->rect();
+    const int end = view->document()->characterCount() - 1;
+    return view->verticalScrollBar()->value() >= view->verticalScrollBar()->maximum() ||
+           view->cursorForPosition(area.bottomRight()).position() >= end;
+}
+
+} // namespace
 
 SignatureConfirmWindow::SignatureConfirmWindow(const Request &request, QWidget *parent)
     : DesktopWindow(request, texts(request.language).titleSignature, parent), selected_(request.selected)
@@ -123,7 +136,12 @@ QWidget *SignatureConfirmWindow::addText(const QString &label, const QString &te
     column->setContentsMargins(0, 0, 0, 0);
     auto *name = new QLabel(label + QLatin1Char(':'), box);
     column->addWidget(name);
-    QPlainTextEdit *view = textView(text, monospace, box);
+    // Trailing line breaks show nothing, but would leave an empty last line
+    // below the end that the reader must scroll to before Sign is enabled.
+    QString shown = text;
+    while (shown.endsWith(QLatin1Char('\n')))
+        shown.chop(1);
+    QPlainTextEdit *view = textView(shown, monospace, box);
     view->setAccessibleName(label);
     view->setMinimumHeight(120);
     name->setBuddy(view);
@@ -132,14 +150,13 @@ QWidget *SignatureConfirmWindow::addText(const QString &label, const QString &te
     views_.push_back(view);
     readToEnd_.push_back(false);
     const auto check = [this, view, index] {
-        QScrollBar *bar = view->verticalScrollBar();
-        if (view->isVisible() && bar->value() >= bar->maximum() && !readToEnd_[index]) {
+        if (view->isVisible() && endIsOnScreen(view) && !readToEnd_[index]) {
             readToEnd_[index] = true;
             updateSign();
         }
     };
-    connect(view->verticalScrollBar(), &QScrollBar::valueChanged, this, check);
-    connect(view->verticalScrollBar(), &QScrollBar::rangeChanged, this, check);
+    // After each scroll or relayout of the view, once it shows its new lines.
+    connect(view, &QPlainTextEdit::updateRequest, this, check);
     return box;
 }
 
@@ -147,11 +164,9 @@ void SignatureConfirmWindow::showEvent(QShowEvent *event)
 {
     DesktopWindow::showEvent(event);
     // Text that fits without scrolling has been seen in full once shown.
-    for (std::size_t i = 0; i < views_.size(); ++i) {
-        QScrollBar *bar = views_[i]->verticalScrollBar();
-        if (bar->value() >= bar->maximum())
+    for (std::size_t i = 0; i < views_.size(); ++i)
+        if (endIsOnScreen(views_[i]))
             readToEnd_[i] = true;
-    }
     updateSign();
 }
 

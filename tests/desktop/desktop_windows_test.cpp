@@ -1,0 +1,329 @@
+// The desktop windows, offscreen: each built from a request, answered with
+// keys through the front end, and the outcome and answer checked.
+#include "desktop/DesktopFrontEnd.hpp"
+#include "desktop/FileChooserWindow.hpp"
+#include "desktop/HostWatch.hpp"
+#include "desktop/Pkcs12Window.hpp"
+#include "desktop/SignatureConfirmWindow.hpp"
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTableView>
+#include <QTimer>
+#include <QtTest>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <functional>
+
+using namespace OrvelGui;
+Q_DECLARE_METATYPE(OrvelGui::Outcome)
+
+namespace {
+
+// A key script: plain keys, or text typed into whatever has the focus.
+struct Key {
+    Key(Qt::Key k = Qt::Key_unknown, Qt::KeyboardModifiers m = Qt::NoModifier) : key(k), modifiers(m) {}
+    Qt::Key key;
+    QString text;
+    Qt::KeyboardModifiers modifiers;
+};
+using Keys = QList<Key>;
+Key type(const QString &text)
+{
+    Key key;
+    key.text = text;
+    return key;
+}
+
+// Sends the keys to the modal window once it is up, then runs `show`.
+Outcome answerWith(const Keys &keys, const std::function<Outcome()> &show)
+{
+    QTimer::singleShot(0, [keys] {
+        QWidget *window = QApplication::activeModalWidget();
+        QVERIFY(window);
+        QVERIFY(QTest::qWaitForWindowExposed(window));
+        for (const Key &key : keys) {
+            QWidget *target = QApplication::focusWidget() ? QApplication::focusWidget() : window;
+            if (!key.text.isEmpty())
+                QTest::keyClicks(target, key.text);
+            else
+                QTest::keyClick(target, key.key, key.modifiers);
+        }
+    });
+    return show();
+}
+
+Request request(Window window)
+{
+    Request r;
+    r.window = window;
+    r.language = Language::English;
+    r.message = "Sign the document?";
+    return r;
+}
+
+Request withCertificates(Window window)
+{
+    Request r = request(window);
+    for (const char *subject : {"CN = Jiří Novák", "CN = Eliška Svobodová", "CN = Ľubomír Kráľ"})
+        r.certificates.push_back({"not a certificate", subject, "2027-01-01", "2026-12-01", 30, false, true});
+    r.version = "5.2";
+    r.hashAlg = "SHA-256";
+    r.hashVal = "00ff";
+    return r;
+}
+
+} // namespace
+
+class DesktopWindowsTest : public QObject {
+    Q_OBJECT
+    GuiLog log_;
+    DesktopFrontEnd frontEnd_{log_};
+
+private slots:
+    void yesNo_data()
+    {
+        QTest::addColumn<int>("button");
+        QTest::addColumn<Keys>("keys");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::addColumn<bool>("yes");
+        QTest::newRow("Enter takes the default yes") << 0 << Keys{{Qt::Key_Return}} << Outcome::Answered << true;
+        QTest::newRow("Enter takes the default no") << 1 << Keys{{Qt::Key_Return}} << Outcome::Answered << false;
+        QTest::newRow("Tab then Space presses no") << 0 << Keys{{Qt::Key_Tab}, {Qt::Key_Space}} << Outcome::Answered
+                                                   << false;
+        QTest::newRow("Escape backs out") << 0 << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << false;
+    }
+    void yesNo()
+    {
+        QFETCH(int, button);
+        QFETCH(Keys, keys);
+        Request r = request(Window::YesNoDialog);
+        r.button = button;
+        Answer answer;
+        QFETCH(Outcome, outcome);
+        QCOMPARE(answerWith(keys, [&] { return frontEnd_.askYesNo(r, answer); }), outcome);
+        QFETCH(bool, yes);
+        QCOMPARE(answer.yes, yes);
+    }
+
+    void messageAndCertificateCloseAsAnswered_data()
+    {
+        QTest::addColumn<Keys>("keys");
+        QTest::newRow("Enter") << Keys{{Qt::Key_Return}};
+        QTest::newRow("Escape") << Keys{{Qt::Key_Escape}};
+    }
+    void messageAndCertificateCloseAsAnswered()
+    {
+        QFETCH(Keys, keys);
+        Request r = request(Window::MessageBox);
+        r.icon = 2;
+        QCOMPARE(answerWith(keys, [&] { return frontEnd_.showMessage(r); }), Outcome::Answered);
+        r.window = Window::DisplayCert;
+        r.certificate = "\x01\x02 no certificate";
+        QCOMPARE(answerWith(keys, [&] { return frontEnd_.showCertificate(r); }), Outcome::Answered);
+    }
+
+    void selectCertificate_data()
+    {
+        QTest::addColumn<unsigned>("preselected");
+        QTest::addColumn<Keys>("keys");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::addColumn<unsigned>("selected");
+        QTest::newRow("Enter keeps the preselected") << 2u << Keys{{Qt::Key_Return}} << Outcome::Answered << 2u;
+        QTest::newRow("arrow then Enter") << 0u << Keys{{Qt::Key_Down}, {Qt::Key_Return}} << Outcome::Answered << 1u;
+        QTest::newRow("filter narrows to one row")
+            << 0u << Keys{{Qt::Key_Backtab}, type("svob"), {Qt::Key_Return}} << Outcome::Answered << 1u;
+        QTest::newRow("filter ignores case")
+            << 2u << Keys{{Qt::Key_Backtab}, type("NOV"), {Qt::Key_Return}} << Outcome::Answered << 0u;
+        QTest::newRow("Escape backs out") << 1u << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << 0u;
+    }
+    void selectCertificate()
+    {
+        QFETCH(unsigned, preselected);
+        QFETCH(Keys, keys);
+        Request r = withCertificates(Window::CertificateSelect);
+        r.selected = preselected;
+        Answer answer;
+        QFETCH(Outcome, outcome);
+        QCOMPARE(answerWith(keys, [&] { return frontEnd_.selectCertificate(r, answer); }), outcome);
+        QFETCH(unsigned, selected);
+        QCOMPARE(answer.selected, selected);
+    }
+
+    void signatureNeverSignsUnread_data()
+    {
+        QTest::addColumn<QByteArray>("data");
+        QTest::addColumn<bool>("signableAtOnce");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("short text") << QByteArray("Pay 100 EUR") << true << "Pay 100 EUR";
+        QTest::newRow("long text") << QByteArray("Clause.\n").repeated(400) << false << "Clause.";
+        QTest::newRow("bytes that are not text") << QByteArray("Pay 100 \xe9UR") << true << "50 61 79 20";
+    }
+    void signatureNeverSignsUnread()
+    {
+        QFETCH(QByteArray, data);
+        Request r = withCertificates(Window::SignatureConfirm);
+        r.data = data.toStdString();
+        SignatureConfirmWindow window(r);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        QPlainTextEdit *view = window.textViews().front();
+        QFETCH(QString, shown);
+        QVERIFY(view->toPlainText().contains(shown));
+        QFETCH(bool, signableAtOnce);
+        QCOMPARE(window.signButton()->isEnabled(), signableAtOnce);
+        QVERIFY(window.declineButton()->isDefault());
+        QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
+        QVERIFY(window.signButton()->isEnabled());
+        QTest::keyClick(&window, Qt::Key_Return); // still declines
+        QCOMPARE(window.result(), int(QDialog::Accepted));
+        QVERIFY(!window.confirmed());
+    }
+
+    void signatureAnswers_data()
+    {
+        QTest::addColumn<Keys>("keys");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::addColumn<bool>("confirmed");
+        QTest::newRow("Enter declines") << Keys{{Qt::Key_Return}} << Outcome::Answered << false;
+        QTest::newRow("Escape backs out") << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << false;
+    }
+    void signatureAnswers()
+    {
+        QFETCH(Keys, keys);
+        Request r = withCertificates(Window::SignatureConfirm);
+        r.selected = 2;
+        r.data = "Pay 100 EUR";
+        r.rtf = std::string("{\\rtf1\\ansi\\ansicpg1250 {\\fonttbl{\\f0 Arial;}}\\f0 Zaplat\\'ed 100 EUR\\par}");
+        Answer answer;
+        QFETCH(Outcome, outcome);
+        QCOMPARE(answerWith(keys, [&] { return frontEnd_.confirmSignature(r, answer); }), outcome);
+        QFETCH(bool, confirmed);
+        QCOMPARE(answer.confirmed, confirmed);
+        if (answer.confirmed || QTest::currentDataTag() == QByteArray("Enter declines"))
+            QCOMPARE(answer.selected, 2u);
+    }
+
+    void formattedTextLosesItsMarkup()
+    {
+        Request r = withCertificates(Window::SignatureConfirm);
+        r.rtf = std::string("{\\rtf1\\ansi\\ansicpg1250 {\\fonttbl{\\f0 Arial;}}\\f0\\b Zaplat\\'ed\\b0  100 \\u8364?\\par}");
+        SignatureConfirmWindow window(r);
+        QCOMPARE(window.textViews().back()->toPlainText(), QString::fromUtf8("Zaplatí 100 €"));
+    }
+
+    void pkcs12ChecksThePasswordBeforeAnswering()
+    {
+        Request r = request(Window::SelectPKCS12);
+        r.fileName = ORVEL_SOURCE_DIR "/tests/data/carol.p12";
+        Answer answer;
+        const Outcome outcome = answerWith({type("wrong"), {Qt::Key_Return}}, [&] {
+            QTimer::singleShot(50, [] {
+                auto *window = qobject_cast<Pkcs12Window *>(QApplication::activeModalWidget());
+                QVERIFY(window && window->problem()->isVisible());
+                QVERIFY(window->problem()->text().contains(QStringLiteral("wrong")));
+                QTest::keyClicks(window->passwordField(), QStringLiteral("heslo"));
+                QTest::keyClick(window->passwordField(), Qt::Key_Return);
+            });
+            return frontEnd_.selectPkcs12(r, answer);
+        });
+        QCOMPARE(outcome, Outcome::Answered);
+        QCOMPARE(answer.path, r.fileName);
+        QCOMPARE(answer.secondValue, std::string("heslo"));
+    }
+
+    void pkcs12OkWaitsForAnExistingFile()
+    {
+        Request r = request(Window::SelectPKCS12);
+        r.fileName = "/nonexistent/file.p12";
+        Pkcs12Window window(r);
+        window.show();
+        QTest::keyClick(&window, Qt::Key_Return);
+        QVERIFY(window.isVisible());
+        window.fileField()->setText(ORVEL_SOURCE_DIR "/tests/data/alice.pem");
+        QTest::keyClick(window.passwordField(), Qt::Key_Return);
+        QVERIFY(window.problem()->text().contains(QStringLiteral("not a PKCS#12")));
+    }
+
+    void fileFiltersBecomeNameFilters()
+    {
+        QCOMPARE(qtNameFilters("Documents (pdf,doc)|Text (*.txt)"),
+                 QStringList({"Documents (*.pdf *.doc)", "Text (*.txt)"}));
+        QCOMPARE(qtNameFilters("All (*)|Text (txt)"), QStringList());
+        QCOMPARE(qtNameFilters(""), QStringList());
+    }
+
+    void fileSaveTakesTheTypedName()
+    {
+        QTemporaryDir folder;
+        QVERIFY(QDir::setCurrent(folder.path()));
+        Request r = request(Window::FileSave);
+        r.fileName = "contract.pdf";
+        Answer answer;
+        QCOMPARE(answerWith({{Qt::Key_Return}}, [&] { return frontEnd_.chooseFile(r, answer); }), Outcome::Answered);
+        QCOMPARE(QString::fromStdString(answer.path), folder.filePath("contract.pdf"));
+    }
+
+    void reinsertFollowsItsCommands_data()
+    {
+        QTest::addColumn<QByteArray>("input");
+        QTest::addColumn<bool>("hide");
+        QTest::addColumn<Outcome>("outcome");
+        QTest::addColumn<QString>("expectedLog");
+        QTest::newRow("close command") << QByteArray("ReinsertCard removeReinsertCard close") << false
+                                       << Outcome::Answered << "Text: remove.\nNotice closed.";
+        QTest::newRow("end of input") << QByteArray("ReinsertCard insert") << false << Outcome::Answered
+                                      << "Text: insert.\nEnd of input.";
+        QTest::newRow("hidden, still consumed") << QByteArray("ReinsertCard insertReinsertCard close") << true
+                                                << Outcome::Cancelled << "The user hid the notice.\nText: insert.";
+    }
+    void reinsertFollowsItsCommands()
+    {
+        QFETCH(QByteArray, input);
+        int fds[2];
+        QVERIFY(::pipe(fds) == 0);
+        GuiLog log;
+        ReinsertCommandReader commands(fds[0], log);
+        DesktopFrontEnd frontEnd(log);
+        QFETCH(bool, hide);
+        QTimer::singleShot(0, [&] {
+            for (QWidget *window : QApplication::topLevelWidgets())
+                if (hide && window->isVisible())
+                    QTest::keyClick(window, Qt::Key_Escape);
+            QVERIFY(::write(fds[1], input.data(), size_t(input.size())) == ssize_t(input.size()));
+            ::close(fds[1]);
+        });
+        Request r = request(Window::ReinsertCard);
+        QFETCH(Outcome, outcome);
+        QCOMPARE(frontEnd.reinsertCard(r, commands), outcome);
+        QFETCH(QString, expectedLog);
+        QVERIFY2(QString::fromStdString(log.text()).contains(expectedLog), log.text().c_str());
+        ::close(fds[0]);
+    }
+
+    void aHostThatIsGoneEndsEveryModalWindow()
+    {
+        int fds[2];
+        QVERIFY(::pipe(fds) == 0);
+        const int savedInput = ::dup(STDIN_FILENO);
+        ::dup2(fds[0], STDIN_FILENO);
+        ::close(fds[0]);
+        ::close(fds[1]); // the host is gone
+        QVERIFY(HostWatch::inputComesFromHost());
+        Answer answer;
+        Request r = withCertificates(Window::YesNoDialog);
+        QCOMPARE(frontEnd_.askYesNo(r, answer), Outcome::Cancelled);
+        QCOMPARE(frontEnd_.showMessage(r), Outcome::Cancelled);
+        QCOMPARE(frontEnd_.selectCertificate(r, answer), Outcome::Cancelled);
+        ::dup2(savedInput, STDIN_FILENO);
+        ::close(savedInput);
+    }
+};
+
+QTEST_MAIN(DesktopWindowsTest)
+#include "desktop_windows_test.moc"
