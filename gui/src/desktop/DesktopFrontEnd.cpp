@@ -10,6 +10,10 @@
 #include "desktop/SignatureConfirmWindow.hpp"
 #include "desktop/YesNoWindow.hpp"
 
+#include <QCoreApplication>
+#include <QLibraryInfo>
+#include <QTranslator>
+
 #include <dlfcn.h>
 #include <sys/stat.h>
 
@@ -17,6 +21,26 @@
 #include <string>
 
 namespace OrvelGui {
+
+DesktopFrontEnd::DesktopFrontEnd(GuiLog &log) : log_(log) {}
+DesktopFrontEnd::~DesktopFrontEnd() = default;
+
+void DesktopFrontEnd::translate(Language language)
+{
+    if (translator_) {
+        QCoreApplication::removeTranslator(translator_.get());
+        translator_.reset();
+    }
+    if (language == Language::English)
+        return;
+    auto translator = std::make_unique<QTranslator>();
+    const QString name = language == Language::Czech ? QStringLiteral("qtbase_cs") : QStringLiteral("qtbase_sk");
+    // Without the translation package Qt's words stay English; ours are not affected.
+    if (translator->load(name, QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+        QCoreApplication::installTranslator(translator.get());
+        translator_ = std::move(translator);
+    }
+}
 
 Outcome DesktopFrontEnd::showMessage(const Request &request)
 {
@@ -39,6 +63,7 @@ Outcome DesktopFrontEnd::askYesNo(const Request &request, Answer &answer)
 
 Outcome DesktopFrontEnd::chooseFile(const Request &request, Answer &answer)
 {
+    translate(request.language);
     FileChooserWindow window(request);
     if (window.exec() != QDialog::Accepted || window.chosenPath().empty())
         return Outcome::Cancelled;
@@ -80,6 +105,7 @@ Outcome DesktopFrontEnd::confirmSignature(const Request &request, Answer &answer
 
 Outcome DesktopFrontEnd::selectPkcs12(const Request &request, Answer &answer)
 {
+    translate(request.language);
     Pkcs12Window window(request);
     if (window.exec() != QDialog::Accepted)
         return Outcome::Cancelled;

@@ -7,14 +7,15 @@
 
 #include <memory>
 
-class QApplication;
+class QTranslator;
 
 namespace OrvelGui {
 
 class DesktopFrontEnd final : public FrontEnd {
 public:
     // Needs a QApplication; `log` gets the same entries as the terminal's.
-    explicit DesktopFrontEnd(GuiLog &log) : log_(log) {}
+    explicit DesktopFrontEnd(GuiLog &log);
+    ~DesktopFrontEnd() override;
 
     Outcome showMessage(const Request &request) override;
     Outcome askYesNo(const Request &request, Answer &answer) override;
@@ -26,7 +27,11 @@ public:
     Outcome reinsertCard(const Request &request, ReinsertCommandReader &commands) override;
 
 private:
+    // Qt's own words (file chooser, standard buttons) in the request's language.
+    void translate(Language language);
+
     GuiLog &log_;
+    std::unique_ptr<QTranslator> translator_;
 };
 
 // True when a window system can be reached: the X server of DISPLAY answers,
