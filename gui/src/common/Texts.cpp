@@ -61,6 +61,19 @@ const Texts kEnglish = {
     "PKCS#12 file: ",
     "Password: ",
     "... ({} more bytes)",
+    "↑ ↓ PgUp PgDn Home End scroll the text; ← → or a digit chooses, Enter confirms, Esc cancels.",
+    "↑ ↓ PgUp PgDn Home End scroll the text, Enter closes.",
+    "lines {}–{} of {}",
+    "(scroll to the end of the text first)",
+    "Warning: these data are not text. They are shown as bytes (hex dump); sign only if you know what they are.",
+    "(no data: 0 bytes)",
+    "Filter not understood, showing all files: {}",
+    "No such folder: {}",
+    "Type a file name.",
+    "Cannot read the file: {}",
+    "Not a PKCS#12 file: {}",
+    "Wrong password. Try again.",
+    "Ctrl-C ends the application.",
 };
 
 const Texts kCzech = {
@@ -121,6 +134,19 @@ const Texts kCzech = {
     "Soubor PKCS#12: ",
     "Heslo: ",
     "... (dalších {} bajtů)",
+    "↑ ↓ PgUp PgDn Home End posouvají text; ← → nebo číslice vybírají, Enter potvrdí, Esc zruší.",
+    "↑ ↓ PgUp PgDn Home End posouvají text, Enter zavře.",
+    "řádky {}–{} z {}",
+    "(nejdříve posuňte text až na konec)",
+    "Upozornění: tato data nejsou text. Zobrazují se jako bajty (hexadecimální výpis); podepisujte jen tehdy, víte-li, co obsahují.",
+    "(žádná data: 0 bajtů)",
+    "Filtru nelze porozumět, zobrazují se všechny soubory: {}",
+    "Složka neexistuje: {}",
+    "Zadejte název souboru.",
+    "Soubor nelze přečíst: {}",
+    "Nejde o soubor PKCS#12: {}",
+    "Nesprávné heslo. Zkuste to znovu.",
+    "Ctrl-C ukončí aplikaci.",
 };
 
 const Texts kSlovak = {
@@ -181,6 +207,19 @@ const Texts kSlovak = {
     "Súbor PKCS#12: ",
     "Heslo: ",
     "... (ďalších {} bajtov)",
+    "↑ ↓ PgUp PgDn Home End posúvajú text; ← → alebo číslice vyberajú, Enter potvrdí, Esc zruší.",
+    "↑ ↓ PgUp PgDn Home End posúvajú text, Enter zatvorí.",
+    "riadky {}–{} z {}",
+    "(najprv posuňte text až na koniec)",
+    "Upozornenie: tieto dáta nie sú text. Zobrazujú sa ako bajty (hexadecimálny výpis); podpisujte len vtedy, ak viete, čo obsahujú.",
+    "(žiadne dáta: 0 bajtov)",
+    "Filtru nemožno porozumieť, zobrazujú sa všetky súbory: {}",
+    "Priečinok neexistuje: {}",
+    "Zadajte názov súboru.",
+    "Súbor nemožno prečítať: {}",
+    "Nejde o súbor PKCS#12: {}",
+    "Nesprávne heslo. Skúste to znova.",
+    "Ctrl-C ukončí aplikáciu.",
 };
 
 } // namespace
