@@ -1,6 +1,8 @@
 #include "protocol/Protocol.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
+#include <OrvelGUIDialogs/LibraryState.hpp>
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
 #include <OrvelGUIDialogs/Util.hpp>
 
 #include <unistd.h>
@@ -9,7 +11,6 @@
 #include <cctype>
 #include <cerrno>
 #include <charconv>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 
@@ -296,18 +297,10 @@ bool readFilter(const std::string &filterText, std::vector<std::string> &pattern
 
 Language languageFromEnvironment()
 {
-    std::string identifier;
-    for (const char *variable : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char *value = std::getenv(variable);
-        if (value != nullptr && *value != '\0') {
-            identifier = value;
-            break;
-        }
-    }
-    std::string first = identifier.substr(0, identifier.find_first_of("_.@"));
-    for (char &c : first)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return first == "CS" ? Language::Czech : first == "SK" ? Language::Slovak : Language::English;
+    // The library's own rule, so that the two never disagree. It works on
+    // this process's copy of the library's state, which nothing else uses.
+    ::SetCurrentOSLanguage();
+    return ::g_appLanguage == 0 ? Language::Czech : ::g_appLanguage == 1 ? Language::Slovak : Language::English;
 }
 
 ParseResult parseCommandLine(const std::vector<std::string> &arguments, GuiLog &log)

@@ -76,10 +76,9 @@ struct ParseResult {
     std::string windowName;         // as given, for the reply; may be empty
 };
 
-// The language of the environment's locale, read as the library reads it
-// when the host set none: the first non-empty of LC_ALL, LC_MESSAGES and
-// LANG; "cs..." Czech, "sk..." Slovak, anything else English. Windows that
-// get no "-lang" use it.
+// The language of the environment's locale, by the library's own rule for a
+// host that set none (LC_ALL, LC_MESSAGES, LANG; cs Czech, sk Slovak, else
+// English). Windows that get no "-lang" use it.
 Language languageFromEnvironment();
 
 // Reads argv[1..]. Problems are written to the log; a bad command line gives

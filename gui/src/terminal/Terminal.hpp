@@ -58,8 +58,6 @@ public:
     Terminal &operator=(const Terminal &) = delete;
 
     int fd() const { return fd_; }
-    // True when bytes already read wait to be decoded (poll would not see them).
-    bool hasPending() const { return !pending_.empty(); }
     void write(std::string_view text);
     // Waits up to timeoutMs (-1: no limit) for one key, a change of size, or
     // input on `watchedFd` (-1: none). With readKeys false the keyboard is

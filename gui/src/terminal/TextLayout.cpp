@@ -1,41 +1,11 @@
 #include "terminal/TextLayout.hpp"
 
+#include "common/SignedData.hpp"
+
 #include <algorithm>
 
 namespace OrvelGui {
 namespace {
-
-// Length of the valid UTF-8 sequence at text[i], 0 when it is not one.
-std::size_t utf8Length(std::string_view text, std::size_t i)
-{
-    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
-    const unsigned char lead = byte(i);
-    std::size_t length = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
-    if (lead < 0x80)
-        return 1;
-    if (lead >= 0xC2 && lead <= 0xDF)
-        length = 2;
-    else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        low = lead == 0xE0 ? 0xA0 : 0x80;
-        high = lead == 0xED ? 0x9F : 0xBF;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        low = lead == 0xF0 ? 0x90 : 0x80;
-        high = lead == 0xF4 ? 0x8F : 0xBF;
-    } else
-        return 0;
-    if (i + length > text.size())
-        return 0;
-    for (std::size_t k = 1; k < length; ++k) {
-        const unsigned char b = byte(i + k);
-        if (b < (k == 1 ? low : 0x80) || b > (k == 1 ? high : 0xBF))
-            return 0;
-    }
-    return length;
-}
 
 char32_t codePoint(std::string_view text, std::size_t i, std::size_t length)
 {
@@ -80,7 +50,7 @@ Piece pieceAt(std::string_view text, std::size_t i)
         }
         return {end - i, 0};
     }
-    const std::size_t length = utf8Length(text, i);
+    const std::size_t length = utf8SequenceLength(text, i);
     if (length == 0)
         return {1, 1}; // printed as one replacement
     return {length, cellsOf(codePoint(text, i, length))};
@@ -93,7 +63,7 @@ std::string printable(const std::string &text)
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8Length(text, i);
+        const std::size_t length = utf8SequenceLength(text, i);
         if (length == 0) {
             out.push_back('?');
             ++i;
