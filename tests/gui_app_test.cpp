@@ -302,17 +302,25 @@ void expectTerminalRestored(DrivenProcess &process)
 
 TEST(GuiApp, EveryWindowEndsCancelledWhenTheHostIsGone)
 {
-    const std::vector<std::vector<std::string>> cases = {
-        {"-window", "MessageBox", "-message", "M"},
-        {"-window", "YesNoDialog", "-message", "Q"},
-        {"-window", "FileSave", "-message", "S", "-filename", "x"},
-        {"-window", "DisplayCert", "-cert", base64(readFile(kData + "bob.der"))},
-        {"-window", "CertificateSelect", "-certs", certificateList(false)},
-        {"-window", "ReinsertCard", "-message", "Card"},
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string keys;  // lead to the window that is open when the input ends
+        std::string shown; // in that window
     };
-    for (const auto &arguments : cases) {
+    const std::vector<Case> cases = {
+        {{"-window", "MessageBox", "-message", "M"}, "", "Information"},
+        {{"-window", "YesNoDialog", "-message", "Q"}, "", "> 1. Yes"},
+        {{"-window", "FileSave", "-message", "S", "-filename", "x"}, "", "File name"},
+        {{"-window", "DisplayCert", "-cert", base64(readFile(kData + "bob.der"))}, "", "Subject"},
+        {{"-window", "ReinsertCard", "-message", "Card"}, "", "Card"},
+        {{"-window", "SignatureConfirm", "-certs", certificateList(false), "-version", "1", "-data", "QUJD",
+          "-hashAlg", "SHA-256", "-hashVal", "AB", "-lang", "2"},
+         "3\r", "Select a certificate"},
+    };
+    for (const auto &[arguments, keys, shown] : cases) {
         DrivenProcess process(gui(arguments));
-        ASSERT_TRUE(process.waitForScreen("\x1b[?1049h")) << arguments[1];
+        process.sendKeys(keys);
+        ASSERT_TRUE(process.waitForScreen(shown)) << arguments[1];
         process.closeStdin();
         EXPECT_EQ(process.waitExit(), 2) << arguments[1];
         EXPECT_NE(guiLog(process.standardOutput()).find("End of input"), std::string::npos) << arguments[1];

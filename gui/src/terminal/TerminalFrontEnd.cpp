@@ -110,6 +110,9 @@ bool TerminalFrontEnd::begin(const Request &request)
 
 Key TerminalFrontEnd::nextKey()
 {
+    // Once the host is gone every window that is still open closes too.
+    if (host_.ended())
+        return {KeyType::Closed, {}};
     for (;;) {
         const Key key = terminal_->readKey(-1, host_.fd());
         if (key.type != KeyType::Watched)
