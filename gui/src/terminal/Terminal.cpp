@@ -283,8 +283,10 @@ Key Terminal::utf8Character(unsigned char lead)
 
 Key Terminal::readKey(int timeoutMs, int watchedFd, bool readKeys)
 {
+    if (readKeys && closed_ && pending_.empty())
+        return {KeyType::Closed, {}};
     if (!readKeys || pending_.empty()) {
-        pollfd fds[3] = {{readKeys && !closed_ ? fd_ : -1, POLLIN, 0},
+        pollfd fds[3] = {{readKeys ? fd_ : -1, POLLIN, 0},
                          {g_resizePipe[0], POLLIN, 0},
                          {watchedFd, POLLIN, 0}};
         const int ready = pollRetrying(fds, 3, timeoutMs);
