@@ -96,6 +96,24 @@ std::vector<std::string> wrapAll(const std::vector<std::string> &lines, std::siz
     return rows;
 }
 
+// Each item wrapped under its number: "> " marks (and reverse video shows)
+// the selected one, a locked one is dim and says why.
+std::vector<std::vector<std::string>> wrapItems(const std::vector<std::string> &items, std::size_t selected,
+                                                std::size_t locked, const char *lockedNote, std::size_t width)
+{
+    std::vector<std::vector<std::string>> itemRows;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::string number = i < 9 ? std::to_string(i + 1) + ". " : "   ";
+        const std::string item = i == locked ? items[i] + " " + lockedNote : items[i];
+        auto rows = wrapLine(number + item, width - 2);
+        const char *style = i == selected ? kHighlight : i == locked ? kDim : "";
+        for (std::size_t r = 0; r < rows.size(); ++r)
+            rows[r] = style + std::string(r == 0 && i == selected ? "> " : "  ") + rows[r] + (*style ? kNormal : "");
+        itemRows.push_back(std::move(rows));
+    }
+    return itemRows;
+}
+
 } // namespace
 
 TerminalFrontEnd::TerminalFrontEnd(GuiLog &log) : log_(log), host_(STDIN_FILENO, log) {}
@@ -128,21 +146,8 @@ void TerminalFrontEnd::draw(const Page &page, Scroll &scroll)
     const std::size_t width = static_cast<std::size_t>(std::max(terminal_->columns(), 10));
     const bool roomy = height >= kRoomyRows;
 
-    // The items, each wrapped under its number.
-    std::vector<std::vector<std::string>> itemRows;
-    for (std::size_t i = 0; i < page.items.size(); ++i) {
-        const std::string number = i < 9 ? std::to_string(i + 1) + ". " : "   ";
-        std::string item = page.items[i];
-        if (i == page.locked)
-            item += " " + std::string(texts_->signLocked);
-        auto rows = wrapLine(number + item, width - 2);
-        for (std::size_t r = 0; r < rows.size(); ++r) {
-            const std::string prefix = r > 0 ? "  " : i == page.selected ? "> " : "  ";
-            const char *style = i == page.selected ? kHighlight : i == page.locked ? kDim : "";
-            rows[r] = style + prefix + rows[r] + (*style ? kNormal : "");
-        }
-        itemRows.push_back(std::move(rows));
-    }
+    const std::vector<std::vector<std::string>> itemRows =
+        wrapItems(page.items, page.selected, page.locked, texts_->signLocked, width);
     std::size_t itemsNeeded = 0;
     for (const auto &rows : itemRows)
         itemsNeeded += rows.size();
@@ -157,7 +162,7 @@ void TerminalFrontEnd::draw(const Page &page, Scroll &scroll)
             bottom.insert(bottom.begin(), bold(fitWidth(page.prompt, promptCells)) +
                                               fitWidthFromEnd(page.typed, width - promptCells - 1));
         }
-        const int spacing = roomy ? (page.items.empty() && !page.input ? 2 : 3) : 0;
+        const int spacing = roomy ? (page.items.empty() ? 2 : 3) : 0; // the blank rows below
         const int room = std::max(height - 1 - static_cast<int>(bottom.size()) - spacing, 1);
         const auto total = static_cast<std::size_t>(room);
         if (page.items.empty()) {
