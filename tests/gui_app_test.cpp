@@ -150,15 +150,22 @@ TEST(GuiApp, CertificateSelectionShowsTheListAndRepliesTheIndex)
     EXPECT_EQ(parts[3], "-log");
 }
 
-TEST(GuiApp, Pkcs12ValuesDecodeWithTheLibrarysDecoder)
+TEST(GuiApp, Pkcs12FileAndPasswordAreCheckedBeforeTheReply)
 {
     const std::string folder = makeTempDir();
-    const std::string file = folder + "/id.p12";
-    std::ofstream(file) << "x";
-    DrivenProcess process(gui({"-window", "SelectPKCS12", "-lang", "0", "-filename", file}));
-    ASSERT_TRUE(process.waitForScreen("Soubor PKCS#12: \x1b[0m" + file));
+    const std::string bogus = folder + "/bogus.p12";
+    std::ofstream(bogus) << "-----BEGIN CERTIFICATE-----";
+    const std::string file = kData + "id.p12";
+    DrivenProcess process(gui({"-window", "SelectPKCS12", "-lang", "2", "-filename", bogus}));
+    ASSERT_TRUE(process.waitForScreen("PKCS#12 file: \x1b[0m" + bogus));
     process.sendKeys(kKeyEnter);
-    ASSERT_TRUE(process.waitForScreen("Heslo: "));
+    ASSERT_TRUE(process.waitForScreen("Not a PKCS#12 file: " + bogus));
+    process.sendKeys("\x15" + folder + "/missing.p12" + kKeyEnter);
+    ASSERT_TRUE(process.waitForScreen("Cannot read the file: " + folder + "/missing.p12"));
+    process.sendKeys("\x15" + file + kKeyEnter);
+    ASSERT_TRUE(process.waitForScreen("Password: "));
+    process.sendKeys(std::string("wrong") + kKeyEnter);
+    ASSERT_TRUE(process.waitForScreen("Wrong password. Try again."));
     process.sendKeys("pä");
     process.sendKeys("ss");
     ASSERT_TRUE(process.waitForScreen("****"));
@@ -215,6 +222,160 @@ TEST(GuiApp, ReinsertCardTakesCommandsApartFromOneStream)
     EXPECT_EQ(hidden.waitExit(), 2);
 }
 
+// The rows of a terminal of `rows` by `columns`.
+ProcessOptions sized(ProcessOptions options, int rows, int columns)
+{
+    options.rows = rows;
+    options.columns = columns;
+    return options;
+}
+
+std::string clauses(int count)
+{
+    std::string text;
+    for (int i = 1; i <= count; ++i)
+        text += "Clause " + std::to_string(i) + ": the buyer pays.\n";
+    return text;
+}
+
+TEST(GuiApp, SignIsChoosableOnlyOnceTheWholeDataWasOnScreen)
+{
+    struct Case {
+        std::string data;
+        std::string keys;         // after the window is drawn
+        std::string shown;        // drawn after the keys
+        std::string result;       // the reply's -result
+    };
+    const std::vector<Case> cases = {
+        // Sign stays out of reach while the end is unseen; Decline is preselected.
+        {clauses(15), "1", "> 2. Decline", "0"},
+        {clauses(15), "\x1b[F1", "> 1. Sign", "1"},
+        {clauses(15), "\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"},
+        // Data that is no text: a hex dump under a warning, never blank.
+        {"Pay 100 \xe9UR", "\x1b[B", "Warning: these data are not text.", "0"},
+    };
+    for (const auto &c : cases) {
+        DrivenProcess process(sized(gui({"-window", "SignatureConfirm", "-lang", "2", "-certs", certificateList(false),
+                                         "-version", "4.2", "-data", base64(c.data), "-hashAlg", "SHA-256",
+                                         "-hashVal", "AB"}),
+                                    12, 60));
+        ASSERT_TRUE(process.waitForScreen("Confirm the signature")) << c.keys;
+        ASSERT_TRUE(process.waitForScreen("> 2. Decline"));
+        process.sendKeys(c.keys);
+        ASSERT_TRUE(process.waitForScreen(c.shown)) << c.shown;
+        process.sendKeys(kKeyEnter);
+        ASSERT_EQ(process.waitExit(), 0) << c.keys;
+        const auto parts = tokens(process.standardOutput());
+        ASSERT_GE(parts.size(), 3u);
+        EXPECT_EQ(parts[2], c.result) << c.keys;
+    }
+    DrivenProcess process(gui({"-window", "SignatureConfirm", "-lang", "2", "-certs", certificateList(false),
+                               "-version", "4.2", "-data", base64("\xff"), "-hashAlg", "SHA-256", "-hashVal", "AB"}));
+    EXPECT_TRUE(process.waitForScreen("Warning: these data are not text."));
+    EXPECT_TRUE(process.waitForScreen("00000000  ff"));
+    EXPECT_TRUE(process.waitForScreen("|.|"));
+}
+
+TEST(GuiApp, WindowsFollowTheTerminalsSizeAndWrapAtWords)
+{
+    DrivenProcess process(sized(gui({"-window", "MessageBox", "-message", "aaaa bbbb cccc dddd eeee " + clauses(60)}),
+                                40, 120));
+    ASSERT_TRUE(process.waitForScreen("lines 1–"));
+    process.resize(10, 20); // redrawn at once, with no key pressed
+    ASSERT_TRUE(process.waitForScreen("Information"));
+    for (const char *row : {"aaaa bbbb cccc dddd\r", "\neeee Clause 1: the\r", "\nbuyer pays.\r"})
+        ASSERT_TRUE(process.waitForScreen(row)) << row;
+    process.sendKeys("\x1b[F");
+    ASSERT_TRUE(process.waitForScreen("Clause 60: the buyer"));
+    process.sendKeys(kKeyEnter);
+    EXPECT_EQ(process.waitExit(), 0);
+}
+
+// The terminal is as the user left it: cooked mode, the main screen.
+void expectTerminalRestored(DrivenProcess &process)
+{
+    termios mode{};
+    ASSERT_EQ(::tcgetattr(process.terminalFd(), &mode), 0);
+    EXPECT_EQ(mode.c_lflag & (ICANON | ECHO | ISIG), static_cast<tcflag_t>(ICANON | ECHO | ISIG));
+    EXPECT_NE(process.screen().find("\x1b[?1049l"), std::string::npos);
+}
+
+TEST(GuiApp, EveryWindowEndsCancelledWhenTheHostIsGone)
+{
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string keys;  // lead to the window that is open when the input ends
+        std::string shown; // in that window
+    };
+    const std::vector<Case> cases = {
+        {{"-window", "MessageBox", "-message", "M"}, "", "Information"},
+        {{"-window", "YesNoDialog", "-message", "Q"}, "", "> 1. Yes"},
+        {{"-window", "FileSave", "-message", "S", "-filename", "x"}, "", "File name"},
+        {{"-window", "DisplayCert", "-cert", base64(readFile(kData + "bob.der"))}, "", "Subject"},
+        {{"-window", "ReinsertCard", "-message", "Card"}, "", "Card"},
+        {{"-window", "SignatureConfirm", "-certs", certificateList(false), "-version", "1", "-data", "QUJD",
+          "-hashAlg", "SHA-256", "-hashVal", "AB", "-lang", "2"},
+         "3\r", "Select a certificate"},
+    };
+    for (const auto &[arguments, keys, shown] : cases) {
+        DrivenProcess process(gui(arguments));
+        process.sendKeys(keys);
+        ASSERT_TRUE(process.waitForScreen(shown)) << arguments[1];
+        process.closeStdin();
+        EXPECT_EQ(process.waitExit(), 2) << arguments[1];
+        EXPECT_NE(guiLog(process.standardOutput()).find("End of input"), std::string::npos) << arguments[1];
+        expectTerminalRestored(process);
+    }
+}
+
+TEST(GuiApp, CtrlCEndsAHiddenNotice)
+{
+    DrivenProcess process(gui({"-window", "ReinsertCard", "-message", "Card"}));
+    ASSERT_TRUE(process.waitForScreen("Esc hides this notice."));
+    process.sendKeys(kKeyEscape);
+    ASSERT_TRUE(process.waitForScreen("Ctrl-C ends the application."));
+    process.sendKeys("\x03");
+    EXPECT_EQ(process.waitExit(), 128 + SIGINT);
+    expectTerminalRestored(process);
+}
+
+TEST(GuiApp, WithoutLangTheLocaleChoosesTheLanguage)
+{
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases = {
+        {{"LC_ALL=", "LC_MESSAGES=", "LANG=cs_CZ.UTF-8"}, "Informace"},
+        {{"LC_ALL=sk_SK.UTF-8", "LANG=cs_CZ.UTF-8"}, "Informácia"},
+        {{"LC_ALL=", "LC_MESSAGES=en_GB", "LANG=cs_CZ.UTF-8"}, "Information"},
+        {{"LC_ALL=", "LC_MESSAGES=", "LANG=de_DE.UTF-8"}, "Information"},
+    };
+    for (const auto &[environment, title] : cases) {
+        ProcessOptions options = gui({"-window", "MessageBox", "-message", "Hotovo"});
+        options.environment = environment;
+        DrivenProcess process(options);
+        EXPECT_TRUE(process.waitForScreen(title + "\x1b[0m")) << environment.back();
+        process.sendKeys(kKeyEnter);
+        EXPECT_EQ(process.waitExit(), 0);
+    }
+}
+
+TEST(GuiApp, FileWindowsSayWhatIsWrong)
+{
+    DrivenProcess open(gui({"-window", "FileOpen", "-lang", "2", "-message", "Open", "-fileFilter", "*.pdf"}));
+    ASSERT_TRUE(open.waitForScreen("Filter not understood, showing all files: *.pdf"));
+    open.sendKeys(kKeyEscape);
+    EXPECT_EQ(open.waitExit(), 2);
+    EXPECT_NE(guiLog(open.standardOutput()).find("File filter not understood"), std::string::npos);
+
+    DrivenProcess save(gui({"-window", "FileSave", "-lang", "0", "-message", "Save", "-fileFilter", "",
+                            "-filename", "/nonexistent/dir/x.pdf"}));
+    ASSERT_TRUE(save.waitForScreen("x.pdf"));
+    save.sendKeys(kKeyEnter);
+    ASSERT_TRUE(save.waitForScreen("Složka neexistuje: /nonexistent/dir"));
+    save.sendKeys(std::string("\x15") + kKeyEnter);
+    ASSERT_TRUE(save.waitForScreen("Zadejte název souboru."));
+    save.sendKeys(kKeyEscape);
+    EXPECT_EQ(save.waitExit(), 2);
+}
+
 TEST(GuiApp, TerminalModeIsRestoredWhenASignalEndsIt)
 {
     DrivenProcess process(gui({"-window", "YesNoDialog", "-message", "Q"}));
@@ -224,9 +385,7 @@ TEST(GuiApp, TerminalModeIsRestoredWhenASignalEndsIt)
     EXPECT_EQ(mode.c_lflag & (ICANON | ECHO), 0u);
     ::kill(process.pid(), SIGTERM);
     EXPECT_EQ(process.waitExit(), 128 + SIGTERM);
-    ASSERT_EQ(::tcgetattr(process.terminalFd(), &mode), 0);
-    EXPECT_EQ(mode.c_lflag & (ICANON | ECHO), static_cast<tcflag_t>(ICANON | ECHO));
-    EXPECT_NE(process.screen().find("\x1b[?1049l"), std::string::npos);
+    expectTerminalRestored(process);
 }
 
 } // namespace

@@ -190,7 +190,7 @@ TEST(OrvelDialogsTool, CtrlCCancelsTheDialogButNotTheHost)
 {
     Tool tool({"confirm-signature", "--lang", "en", "--data", "x", kData + "bob.der"});
     auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("> 1. Sign"));
+    ASSERT_TRUE(p.waitForScreen("> 2. Decline"));
     p.sendKeys("\x03");
     EXPECT_EQ(p.waitExit(), 2); // the GUI's status, passed on by the tool, not death by SIGINT
     EXPECT_EQ(p.standardOutput(), "");
@@ -218,18 +218,16 @@ TEST(OrvelDialogsTool, ReinsertWithoutATerminalStillTakesEveryCommand)
 
 TEST(OrvelDialogsTool, Pkcs12PrintsPathAndPassword)
 {
-    TempFolder folder;
-    folder.file("id.p12");
-    Tool tool({"pkcs12", "--lang", "en", "--filename", "id.p12", "--show-password"}, folder.path);
+    Tool tool({"pkcs12", "--lang", "en", "--filename", kData + "id.p12", "--show-password"});
     auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("PKCS#12 file: \x1b[0mid.p12"));
+    ASSERT_TRUE(p.waitForScreen("PKCS#12 file: \x1b[0m" + kData + "id.p12"));
     p.sendKeys(kKeyEnter);
     ASSERT_TRUE(p.waitForScreen("Password: "));
-    p.sendKeys("s3cret");
-    ASSERT_TRUE(p.waitForScreen("******"));
+    p.sendKeys("päss");
+    ASSERT_TRUE(p.waitForScreen("****"));
     p.sendKeys(kKeyEnter);
     EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), folder.path + "/id.p12\ns3cret\n");
+    EXPECT_EQ(p.standardOutput(), kData + "id.p12\npäss\n");
 }
 
 TEST(OrvelDialogsTool, NoTerminalAndBadUsage)

@@ -13,6 +13,7 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -34,6 +35,9 @@ struct ProcessOptions {
     bool pipeStdin = false;        // else the terminal (or /dev/null)
     bool pipeStdout = false;       // else the terminal (or /dev/null)
     std::string workingDirectory;
+    std::vector<std::string> environment; // "NAME=value", over the inherited ones
+    int rows = 40;
+    int columns = 120;
 };
 
 class DrivenProcess {
@@ -61,6 +65,15 @@ public:
 
     pid_t pid() const { return pid_; }
     int terminalFd() const { return screenFd_; }
+
+    // Resizes the terminal; the kernel sends SIGWINCH to its foreground job.
+    void resize(int rows, int columns)
+    {
+        winsize size{};
+        size.ws_row = static_cast<unsigned short>(rows);
+        size.ws_col = static_cast<unsigned short>(columns);
+        ::ioctl(screenFd_, TIOCSWINSZ, &size);
+    }
 
     // Waits until `text` has been drawn after the previous match.
     bool waitForScreen(std::string_view text, int timeoutMs = kWaitMs)
@@ -182,8 +195,8 @@ private:
                 std::abort();
             slaveName = ::ptsname(screenFd_);
             winsize size{};
-            size.ws_row = 40;
-            size.ws_col = 120;
+            size.ws_row = static_cast<unsigned short>(options.rows);
+            size.ws_col = static_cast<unsigned short>(options.columns);
             ::ioctl(screenFd_, TIOCSWINSZ, &size);
         } else if (::pipe2(screenPipe, O_CLOEXEC) != 0) {
             std::abort();
@@ -196,6 +209,21 @@ private:
         for (const auto &argument : options.argv)
             argv.push_back(const_cast<char *>(argument.c_str()));
         argv.push_back(nullptr);
+        // Always the terminal front end, also where a display is set.
+        std::vector<std::string> environment = {"ORVEL_GUI_FRONTEND=terminal"};
+        environment.insert(environment.end(), options.environment.begin(), options.environment.end());
+        for (char **entry = environ; *entry; ++entry) {
+            const std::string_view text(*entry);
+            const auto overridden = [&](const std::string &e) {
+                return text.substr(0, text.find('=') + 1) == std::string_view(e).substr(0, e.find('=') + 1);
+            };
+            if (std::none_of(environment.begin(), environment.end(), overridden))
+                environment.emplace_back(text);
+        }
+        std::vector<char *> envp;
+        for (auto &entry : environment)
+            envp.push_back(entry.data());
+        envp.push_back(nullptr);
         const char *directory = options.workingDirectory.empty() ? nullptr : options.workingDirectory.c_str();
 
         pid_ = ::fork();
@@ -218,7 +246,7 @@ private:
             if (directory && ::chdir(directory) != 0)
                 ::_exit(126);
             ::signal(SIGPIPE, SIG_DFL);
-            ::execv(argv[0], argv.data());
+            ::execve(argv[0], argv.data(), envp.data());
             ::_exit(127);
         }
         if (!options.terminal) {

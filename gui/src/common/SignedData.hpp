@@ -3,6 +3,7 @@
 // never signed unseen).
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,5 +22,8 @@ SignedDataView viewSignedData(std::string_view bytes);
 std::string hexDump(std::string_view bytes);
 
 bool isUtf8(std::string_view bytes);
+// Bytes of the well-formed UTF-8 sequence at bytes[i] (i < size); 0 when
+// there is none.
+std::size_t utf8SequenceLength(std::string_view bytes, std::size_t i);
 
 } // namespace OrvelGui

@@ -67,6 +67,19 @@ struct Texts {
     const char *pkcs12File;
     const char *password;
     const char *moreBytes;
+    const char *hintScroll;     // answers below a text that does not fit
+    const char *hintViewScroll; // a text alone that does not fit
+    const char *scrollPosition;
+    const char *signLocked;
+    const char *notText;
+    const char *noData;
+    const char *filterNotUnderstood;
+    const char *folderMissing;
+    const char *nameEmpty;
+    const char *pkcs12CannotRead;
+    const char *pkcs12NotPkcs12;
+    const char *pkcs12WrongPassword;
+    const char *reinsertHiddenHint;
     // Desktop windows.
     const char *cancel;
     const char *details;
@@ -79,11 +92,7 @@ struct Texts {
     const char *signatureAlgorithm;
     const char *subjectAltNames;
     const char *fingerprintSha1;
-    const char *dataNotText;
     const char *readAllToSign;
-    const char *pkcs12CannotRead;
-    const char *pkcs12NotPkcs12;
-    const char *pkcs12WrongPassword;
     const char *pkcs12Filter;
     const char *reinsertWaiting;
 };

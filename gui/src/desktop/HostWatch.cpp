@@ -2,39 +2,21 @@
 
 #include <QSocketNotifier>
 
-#include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
 
 namespace OrvelGui {
 
-bool HostWatch::inputComesFromHost()
+HostWatch::HostWatch(QObject *parent) : QObject(parent), input_(STDIN_FILENO, unread_)
 {
-    struct stat info{};
-    return ::fstat(STDIN_FILENO, &info) == 0 && (S_ISFIFO(info.st_mode) || S_ISSOCK(info.st_mode));
-}
-
-HostWatch::HostWatch(QObject *parent) : QObject(parent)
-{
-    if (!inputComesFromHost())
+    if (input_.fd() < 0)
         return;
-    notifier_ = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, this);
-    connect(notifier_, &QSocketNotifier::activated, this, &HostWatch::readInput);
-}
-
-void HostWatch::readInput()
-{
-    // A modal window expects no input: whatever comes is read and dropped.
-    char buffer[4096];
-    ssize_t n = 0;
-    do {
-        n = ::read(STDIN_FILENO, buffer, sizeof buffer);
-    } while (n < 0 && errno == EINTR);
-    if (n > 0 || (n < 0 && errno == EAGAIN))
-        return;
-    notifier_->setEnabled(false);
-    emit hostGone();
+    notifier_ = new QSocketNotifier(input_.fd(), QSocketNotifier::Read, this);
+    connect(notifier_, &QSocketNotifier::activated, this, [this] {
+        if (!input_.readAvailable())
+            return;
+        notifier_->setEnabled(false);
+        emit hostGone();
+    });
 }
 
 } // namespace OrvelGui

@@ -1,7 +1,10 @@
-// Watches the GUI application's standard input from the Qt event loop. The
-// host keeps its end open while a dialog runs, so end of input means the host
-// is gone and the window must not stay behind.
+// Watches the host's end of our standard input from the Qt event loop (see
+// HostInput): when it ends, the host is gone and the window must not stay
+// behind.
 #pragma once
+
+#include "protocol/GuiLog.hpp"
+#include "protocol/HostInput.hpp"
 
 #include <QObject>
 
@@ -13,15 +16,15 @@ class HostWatch : public QObject {
     Q_OBJECT
 public:
     explicit HostWatch(QObject *parent);
-    // A terminal or /dev/null on standard input is no host (someone ran the
-    // application by hand), so only a pipe or a socket is watched.
-    static bool inputComesFromHost();
 
 signals:
     void hostGone();
 
 private:
-    void readInput();
+    // Nobody reads the reply of a host that is gone, so the end is noted here
+    // and not in the application's log.
+    GuiLog unread_;
+    HostInput input_;
     QSocketNotifier *notifier_ = nullptr;
 };
 

@@ -46,9 +46,9 @@ SignatureConfirmWindow::SignatureConfirmWindow(const Request &request, QWidget *
 
     const SignedDataView data = viewSignedData(request.data);
     if (!data.isText) {
-        QLabel *warning = plainLabel(qs(t.dataNotText), this);
+        QLabel *warning = plainLabel(qs(t.notText), this);
         warning->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold"));
-        warning->setAccessibleName(qs(t.dataNotText));
+        warning->setAccessibleName(qs(t.notText));
         layout->addWidget(warning);
     }
     layout->addWidget(addText(qs(t.data), qs(data.text), !data.isText), 2);

@@ -1,6 +1,8 @@
 #include "protocol/Protocol.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
+#include <OrvelGUIDialogs/LibraryState.hpp>
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
 #include <OrvelGUIDialogs/Util.hpp>
 
 #include <unistd.h>
@@ -191,10 +193,19 @@ private:
 
     bool fill(Request &request)
     {
-        unsigned language = 2;
-        if (!number("-lang", 2, language))
-            return false;
-        request.language = language == 0 ? Language::Czech : language == 1 ? Language::Slovak : Language::English;
+        if (option("-lang")) {
+            unsigned language = 2;
+            if (!number("-lang", 2, language))
+                return false;
+            request.language = language == 0 ? Language::Czech : language == 1 ? Language::Slovak : Language::English;
+        } else {
+            request.language = languageFromEnvironment();
+        }
+        if (request.window == Window::FileOpen || request.window == Window::FileSave) {
+            const std::string *filter = option("-fileFilter");
+            if (filter && !filterUnderstood(*filter))
+                log_.add("File filter not understood, every file is shown: " + *filter);
+        }
         auto text = [&](const char *name, std::string &out) {
             if (const std::string *value = option(name))
                 out = *value;
@@ -248,7 +259,49 @@ void addToken(std::string &reply, const std::string &token)
     reply.append(token);
 }
 
+// Walks the filter text's entries; `patterns` gets the pattern lists of the
+// entries that have one. True when one of them says "every file".
+bool readFilter(const std::string &filterText, std::vector<std::string> &patterns)
+{
+    std::size_t start = 0;
+    while (start <= filterText.size()) {
+        std::size_t bar = filterText.find('|', start);
+        if (bar == std::string::npos)
+            bar = filterText.size();
+        const std::string entry = filterText.substr(start, bar - start);
+        start = bar + 1;
+        const std::size_t open = entry.find_first_of("()");
+        if (open == std::string::npos)
+            continue;
+        const std::size_t close = entry.find_first_of("()", open + 1);
+        const std::string list = entry.substr(open + 1, close == std::string::npos ? std::string::npos : close - open - 1);
+        std::size_t p = 0;
+        while (p <= list.size()) {
+            std::size_t comma = list.find(',', p);
+            if (comma == std::string::npos)
+                comma = list.size();
+            std::string pattern = list.substr(p, comma - p);
+            p = comma + 1;
+            const auto first = pattern.find_first_not_of(' ');
+            pattern = first == std::string::npos ? "" : pattern.substr(first, pattern.find_last_not_of(' ') - first + 1);
+            if (pattern == "*" || pattern == "*.*")
+                return true;
+            if (!pattern.empty())
+                patterns.push_back(pattern);
+        }
+    }
+    return false;
+}
+
 } // namespace
+
+Language languageFromEnvironment()
+{
+    // The library's own rule, so that the two never disagree. It works on
+    // this process's copy of the library's state, which nothing else uses.
+    ::SetCurrentOSLanguage();
+    return ::g_appLanguage == 0 ? Language::Czech : ::g_appLanguage == 1 ? Language::Slovak : Language::English;
+}
 
 ParseResult parseCommandLine(const std::vector<std::string> &arguments, GuiLog &log)
 {
@@ -398,34 +451,16 @@ ReinsertCommand ReinsertCommandReader::waitForCommand()
 std::vector<std::string> filterPatterns(const std::string &filterText)
 {
     std::vector<std::string> patterns;
-    std::size_t start = 0;
-    while (start <= filterText.size()) {
-        std::size_t bar = filterText.find('|', start);
-        if (bar == std::string::npos)
-            bar = filterText.size();
-        const std::string entry = filterText.substr(start, bar - start);
-        start = bar + 1;
-        const std::size_t open = entry.find_first_of("()");
-        if (open == std::string::npos)
-            continue;
-        const std::size_t close = entry.find_first_of("()", open + 1);
-        const std::string list = entry.substr(open + 1, close == std::string::npos ? std::string::npos : close - open - 1);
-        std::size_t p = 0;
-        while (p <= list.size()) {
-            std::size_t comma = list.find(',', p);
-            if (comma == std::string::npos)
-                comma = list.size();
-            std::string pattern = list.substr(p, comma - p);
-            p = comma + 1;
-            const auto first = pattern.find_first_not_of(' ');
-            pattern = first == std::string::npos ? "" : pattern.substr(first, pattern.find_last_not_of(' ') - first + 1);
-            if (pattern == "*" || pattern == "*.*")
-                return {};
-            if (!pattern.empty())
-                patterns.push_back(pattern);
-        }
-    }
+    if (readFilter(filterText, patterns))
+        return {};
     return patterns;
+}
+
+bool filterUnderstood(const std::string &filterText)
+{
+    std::vector<std::string> patterns;
+    const bool allFiles = readFilter(filterText, patterns);
+    return allFiles || !patterns.empty() || filterText.find_first_not_of(' ') == std::string::npos;
 }
 
 bool matchesFilter(const std::string &fileName, const std::vector<std::string> &patterns)

@@ -76,6 +76,11 @@ struct ParseResult {
     std::string windowName;         // as given, for the reply; may be empty
 };
 
+// The language of the environment's locale, by the library's own rule for a
+// host that set none (LC_ALL, LC_MESSAGES, LANG; cs Czech, sk Slovak, else
+// English). Windows that get no "-lang" use it.
+Language languageFromEnvironment();
+
 // Reads argv[1..]. Problems are written to the log; a bad command line gives
 // no request.
 ParseResult parseCommandLine(const std::vector<std::string> &arguments, GuiLog &log);
@@ -140,6 +145,10 @@ private:
 // The file patterns of a filter text such as "Documents (pdf,doc)|Text (txt)";
 // empty when every file fits ("*", no text, or nothing usable).
 std::vector<std::string> filterPatterns(const std::string &filterText);
+// False when the text holds something but no entry that filterPatterns can
+// read (such as "*.pdf", which has no parentheses): every file is then listed,
+// and the window should say why.
+bool filterUnderstood(const std::string &filterText);
 // True when the file name ends in one of the patterns (".pdf", "*.pdf" and
 // "pdf" alike, letters compared without case).
 bool matchesFilter(const std::string &fileName, const std::vector<std::string> &patterns);

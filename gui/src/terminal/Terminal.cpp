@@ -19,6 +19,9 @@ volatile sig_atomic_t g_terminalFd = -1;
 struct termios g_savedMode;
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 struct sigaction g_previousActions[std::size(kSignals)];
+// SIGWINCH writes a byte here so that a wait in poll() wakes up to redraw.
+int g_resizePipe[2] = {-1, -1};
+struct sigaction g_previousResizeAction;
 
 // Leave the alternate screen, show the cursor, reset colours.
 constexpr char kEnterScreen[] = "\x1b[?1049h\x1b[?25l";
@@ -37,6 +40,21 @@ void restoreFromSignal(int signalNumber)
     // SA_RESETHAND has put back the default action; it ends the process as
     // soon as this handler returns.
     ::raise(signalNumber);
+}
+
+void noteResize(int)
+{
+    const int savedErrno = errno;
+    const char byte = 0;
+    [[maybe_unused]] const ssize_t ignored = ::write(g_resizePipe[1], &byte, 1);
+    errno = savedErrno;
+}
+
+void drainResizePipe()
+{
+    char buffer[64];
+    while (::read(g_resizePipe[0], buffer, sizeof buffer) > 0) {
+    }
 }
 
 void writeAll(int fd, std::string_view text)
@@ -106,7 +124,16 @@ std::unique_ptr<Terminal> Terminal::open(GuiLog &log)
     raw.c_cc[VMIN] = 1;
     raw.c_cc[VTIME] = 0;
     ::tcsetattr(fd, TCSANOW, &raw);
-    std::unique_ptr<Terminal> terminal(new Terminal(fd));
+    if (g_resizePipe[0] < 0 && ::pipe2(g_resizePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        g_resizePipe[0] = g_resizePipe[1] = -1; // then a new size shows at the next key
+    if (g_resizePipe[0] >= 0) {
+        struct sigaction action{};
+        action.sa_handler = noteResize;
+        action.sa_flags = SA_RESTART;
+        sigemptyset(&action.sa_mask);
+        ::sigaction(SIGWINCH, &action, &g_previousResizeAction);
+    }
+    std::unique_ptr<Terminal> terminal(new Terminal(fd, raw));
     terminal->write(kEnterScreen);
     return terminal;
 }
@@ -118,7 +145,21 @@ Terminal::~Terminal()
     g_terminalFd = -1;
     for (std::size_t i = 0; i < std::size(kSignals); ++i)
         ::sigaction(kSignals[i], &g_previousActions[i], nullptr);
+    if (g_resizePipe[0] >= 0) {
+        ::sigaction(SIGWINCH, &g_previousResizeAction, nullptr);
+        ::close(g_resizePipe[0]);
+        ::close(g_resizePipe[1]);
+        g_resizePipe[0] = g_resizePipe[1] = -1;
+    }
     ::close(fd_);
+}
+
+void Terminal::passSignalKeys(bool pass)
+{
+    struct termios mode = raw_;
+    if (pass)
+        mode.c_lflag |= ISIG;
+    ::tcsetattr(fd_, TCSANOW, &mode);
 }
 
 void Terminal::write(std::string_view text)
@@ -134,9 +175,17 @@ void Terminal::showCursor(bool show)
 int Terminal::rows() const
 {
     struct winsize size{};
-    if (::ioctl(fd_, TIOCGWINSZ, &size) == 0 && size.ws_row >= 8)
+    if (::ioctl(fd_, TIOCGWINSZ, &size) == 0 && size.ws_row > 0)
         return size.ws_row;
     return 24;
+}
+
+int Terminal::columns() const
+{
+    struct winsize size{};
+    if (::ioctl(fd_, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
+        return size.ws_col;
+    return 80;
 }
 
 bool Terminal::readByte(unsigned char &byte, int timeoutMs)
@@ -232,10 +281,28 @@ Key Terminal::utf8Character(unsigned char lead)
     return {KeyType::Text, text};
 }
 
-Key Terminal::readKey(int timeoutMs)
+Key Terminal::readKey(int timeoutMs, int watchedFd, bool readKeys)
 {
+    if (readKeys && closed_ && pending_.empty())
+        return {KeyType::Closed, {}};
+    if (!readKeys || pending_.empty()) {
+        pollfd fds[3] = {{readKeys ? fd_ : -1, POLLIN, 0},
+                         {g_resizePipe[0], POLLIN, 0},
+                         {watchedFd, POLLIN, 0}};
+        const int ready = pollRetrying(fds, 3, timeoutMs);
+        if (ready <= 0)
+            return {KeyType::Timeout, {}};
+        if (fds[1].revents != 0) {
+            drainResizePipe();
+            return {KeyType::Resized, {}};
+        }
+        if (fds[2].revents != 0)
+            return {KeyType::Watched, {}};
+        if (fds[0].revents == 0)
+            return {KeyType::Timeout, {}};
+    }
     unsigned char byte = 0;
-    if (!readByte(byte, timeoutMs))
+    if (!readByte(byte, 0))
         return {closed_ ? KeyType::Closed : KeyType::Timeout, {}};
     switch (byte) {
     case 0x1B:

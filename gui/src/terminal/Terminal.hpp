@@ -2,12 +2,14 @@
 // Standard input and output belong to the library's pipes, so the user is
 // reached through /dev/tty only. The terminal's mode is restored when the
 // object goes away and also when SIGINT, SIGTERM, SIGHUP or SIGQUIT ends the
-// process (the handler restores, then re-raises the signal).
+// process (the handler restores, then re-raises the signal). A change of the
+// window's size (SIGWINCH) arrives as a key of its own.
 #pragma once
 
 #include "protocol/GuiLog.hpp"
 
 #include <poll.h>
+#include <termios.h>
 
 #include <memory>
 #include <string>
@@ -34,6 +36,8 @@ enum class KeyType {
     Text,      // one UTF-8 character in Key::text
     Interrupt, // Ctrl-C, Ctrl-D
     Closed,    // the terminal went away
+    Resized,   // the window changed its size: lay out again
+    Watched,   // the descriptor given to readKey() is readable
 };
 
 struct Key {
@@ -54,22 +58,28 @@ public:
     Terminal &operator=(const Terminal &) = delete;
 
     int fd() const { return fd_; }
-    // True when bytes already read wait to be decoded (poll would not see them).
-    bool hasPending() const { return !pending_.empty(); }
     void write(std::string_view text);
-    // Waits up to timeoutMs (-1: no limit) for one key.
-    Key readKey(int timeoutMs);
-    // Rows of the window; 24 when the terminal does not say.
+    // Waits up to timeoutMs (-1: no limit) for one key, a change of size, or
+    // input on `watchedFd` (-1: none). With readKeys false the keyboard is
+    // left alone.
+    Key readKey(int timeoutMs, int watchedFd = -1, bool readKeys = true);
+    // The window's size; 24 by 80 when the terminal does not say.
     int rows() const;
+    int columns() const;
     void showCursor(bool show);
+    // With true, Ctrl-C and the other signal keys act as usual again: they
+    // signal the whole foreground job (the host and us) instead of arriving
+    // as keys.
+    void passSignalKeys(bool pass);
 
 private:
-    explicit Terminal(int fd) : fd_(fd) {}
+    Terminal(int fd, const struct termios &raw) : fd_(fd), raw_(raw) {}
     bool readByte(unsigned char &byte, int timeoutMs);
     Key escapeSequence();
     Key utf8Character(unsigned char lead);
 
     int fd_;
+    struct termios raw_;
     std::string pending_;
     bool closed_ = false;
 };

@@ -1,6 +1,10 @@
 #include "terminal/TerminalFrontEnd.hpp"
 
 #include "common/CertificateText.hpp"
+#include "common/Pkcs12Check.hpp"
+#include "common/SignedData.hpp"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -14,49 +18,17 @@ namespace {
 
 constexpr const char *kHighlight = "\x1b[7m";
 constexpr const char *kBold = "\x1b[1m";
+constexpr const char *kDim = "\x1b[2m";
 constexpr const char *kNormal = "\x1b[0m";
 constexpr std::size_t kMaxInput = 4096;
-constexpr std::size_t kMaxShownBytes = 2000;
-constexpr std::size_t kMaxShownLines = 15;
-
-// Length of the valid UTF-8 sequence at text[i], 0 when it is not one.
-std::size_t utf8Length(const std::string &text, std::size_t i)
-{
-    const auto byte = [&](std::size_t k) { return static_cast<unsigned char>(text[k]); };
-    const unsigned char lead = byte(i);
-    std::size_t length = 0;
-    unsigned char low = 0x80;
-    unsigned char high = 0xBF;
-    if (lead < 0x80)
-        return 1;
-    if (lead >= 0xC2 && lead <= 0xDF)
-        length = 2;
-    else if (lead >= 0xE0 && lead <= 0xEF) {
-        length = 3;
-        low = lead == 0xE0 ? 0xA0 : 0x80;
-        high = lead == 0xED ? 0x9F : 0xBF;
-    } else if (lead >= 0xF0 && lead <= 0xF4) {
-        length = 4;
-        low = lead == 0xF0 ? 0x90 : 0x80;
-        high = lead == 0xF4 ? 0x8F : 0xBF;
-    } else
-        return 0;
-    if (i + length > text.size())
-        return 0;
-    for (std::size_t k = 1; k < length; ++k) {
-        const unsigned char b = byte(i + k);
-        if (b < (k == 1 ? low : 0x80) || b > (k == 1 ? high : 0xBF))
-            return 0;
-    }
-    return length;
-}
+// Below this many rows the blank rows around the text are left out.
+constexpr int kRoomyRows = 16;
 
 // Adds text that may hold line feeds as separate printable lines.
-void addText(std::vector<std::string> &lines, const std::string &text, std::size_t maxLines = SIZE_MAX)
+void addText(std::vector<std::string> &lines, const std::string &text)
 {
     std::size_t start = 0;
-    std::size_t added = 0;
-    while (start <= text.size() && added < maxLines) {
+    while (start <= text.size()) {
         std::size_t end = text.find('\n', start);
         if (end == std::string::npos)
             end = text.size();
@@ -64,18 +36,18 @@ void addText(std::vector<std::string> &lines, const std::string &text, std::size
         if (!line.empty() && line.back() == '\r')
             line.pop_back();
         lines.push_back(printable(line));
-        ++added;
         start = end + 1;
     }
 }
 
-// Text shown in a bounded space: at most kMaxShownBytes and kMaxShownLines.
-void addShortened(std::vector<std::string> &lines, const std::string &text, const Texts &t)
+std::string bold(const std::string &text)
 {
-    const std::string shown = text.substr(0, kMaxShownBytes);
-    addText(lines, shown, kMaxShownLines);
-    if (text.size() > shown.size() || std::count(shown.begin(), shown.end(), '\n') >= long(kMaxShownLines))
-        lines.push_back(fill(t.moreBytes, {std::to_string(text.size() - std::min(text.size(), kMaxShownBytes))}));
+    return kBold + text + kNormal;
+}
+
+std::string label(const char *text)
+{
+    return bold(std::string(text) + ":");
 }
 
 std::string absolutePath(const std::string &typed)
@@ -114,31 +86,37 @@ std::string joinPath(const std::string &folder, const std::string &name)
     return folder == "/" ? "/" + name : folder + "/" + name;
 }
 
+std::vector<std::string> wrapAll(const std::vector<std::string> &lines, std::size_t width)
+{
+    std::vector<std::string> rows;
+    for (const auto &line : lines) {
+        auto wrapped = wrapLine(line, width);
+        rows.insert(rows.end(), std::make_move_iterator(wrapped.begin()), std::make_move_iterator(wrapped.end()));
+    }
+    return rows;
+}
+
+// Each item wrapped under its number: "> " marks (and reverse video shows)
+// the selected one, a locked one is dim and says why.
+std::vector<std::vector<std::string>> wrapItems(const std::vector<std::string> &items, std::size_t selected,
+                                                std::size_t locked, const char *lockedNote, std::size_t width)
+{
+    std::vector<std::vector<std::string>> itemRows;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        const std::string number = i < 9 ? std::to_string(i + 1) + ". " : "   ";
+        const std::string item = i == locked ? items[i] + " " + lockedNote : items[i];
+        auto rows = wrapLine(number + item, width - 2);
+        const char *style = i == selected ? kHighlight : i == locked ? kDim : "";
+        for (std::size_t r = 0; r < rows.size(); ++r)
+            rows[r] = style + std::string(r == 0 && i == selected ? "> " : "  ") + rows[r] + (*style ? kNormal : "");
+        itemRows.push_back(std::move(rows));
+    }
+    return itemRows;
+}
+
 } // namespace
 
-std::string printable(const std::string &text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8Length(text, i);
-        if (length == 0) {
-            out.push_back('?');
-            ++i;
-            continue;
-        }
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const bool c1 = lead == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-        if (lead == '\t')
-            out.push_back(' ');
-        else if (lead < 0x20 || lead == 0x7F || c1)
-            out.push_back('?');
-        else
-            out.append(text, i, length);
-        i += length;
-    }
-    return out;
-}
+TerminalFrontEnd::TerminalFrontEnd(GuiLog &log) : log_(log), host_(STDIN_FILENO, log) {}
 
 bool TerminalFrontEnd::begin(const Request &request)
 {
@@ -148,84 +126,251 @@ bool TerminalFrontEnd::begin(const Request &request)
     return terminal_ != nullptr;
 }
 
-void TerminalFrontEnd::draw(const Lines &lines, bool cursorAtEnd)
+Key TerminalFrontEnd::nextKey()
 {
-    std::string screen = "\x1b[H\x1b[2J";
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (i)
-            screen += "\r\n";
-        screen += lines[i];
+    // Once the host is gone every window that is still open closes too.
+    if (host_.ended())
+        return {KeyType::Closed, {}};
+    for (;;) {
+        const Key key = terminal_->readKey(-1, host_.fd());
+        if (key.type != KeyType::Watched)
+            return key;
+        if (host_.readAvailable())
+            return {KeyType::Closed, {}};
     }
-    screen += cursorAtEnd ? "\x1b[?25h" : "\x1b[?25l";
-    terminal_->write(screen);
 }
 
-TerminalFrontEnd::MenuResult TerminalFrontEnd::menu(const Lines &header, const Lines &items, std::size_t initial,
-                                                    bool details)
+void TerminalFrontEnd::draw(const Page &page, Scroll &scroll)
 {
-    std::size_t selected = std::min(initial, items.size() - 1);
-    std::size_t top = 0;
-    for (;;) {
-        const int room = terminal_->rows() - static_cast<int>(header.size()) - 5;
-        const std::size_t visible = static_cast<std::size_t>(std::max(room, 3));
-        if (selected < top)
-            top = selected;
-        if (selected >= top + visible)
-            top = selected + 1 - visible;
-        Lines screen = header;
-        screen.emplace_back();
-        if (top > 0)
-            screen.emplace_back("   ...");
-        for (std::size_t i = top; i < items.size() && i < top + visible; ++i) {
-            const std::string number = i < 9 ? std::to_string(i + 1) + ". " : "   ";
-            if (i == selected)
-                screen.push_back(std::string(kHighlight) + "> " + number + items[i] + kNormal);
-            else
-                screen.push_back("  " + number + items[i]);
-        }
-        if (top + visible < items.size())
-            screen.emplace_back("   ...");
-        screen.emplace_back();
-        screen.emplace_back(details ? texts_->hintMenuDetails : texts_->hintMenu);
-        draw(screen);
+    const int height = std::max(terminal_->rows(), 3);
+    const std::size_t width = static_cast<std::size_t>(std::max(terminal_->columns(), 10));
+    const bool roomy = height >= kRoomyRows;
 
-        const Key key = terminal_->readKey(-1);
+    const std::vector<std::vector<std::string>> itemRows =
+        wrapItems(page.items, page.selected, page.locked, texts_->signLocked, width);
+    std::size_t itemsNeeded = 0;
+    for (const auto &rows : itemRows)
+        itemsNeeded += rows.size();
+
+    const std::vector<std::string> textRows = wrapAll(page.text, width);
+    scroll.rows = textRows.size();
+    const auto layOut = [&](const std::string &hint, std::vector<std::string> &bottom, std::size_t &textRoom,
+                            std::size_t &itemRoom) {
+        bottom = wrapLine(hint, width);
+        if (page.input) {
+            const std::size_t promptCells = std::min(displayWidth(page.prompt), width - 4);
+            bottom.insert(bottom.begin(), bold(fitWidth(page.prompt, promptCells)) +
+                                              fitWidthFromEnd(page.typed, width - promptCells - 1));
+        }
+        const int spacing = roomy ? (page.items.empty() ? 2 : 3) : 0; // the blank rows below
+        const int room = std::max(height - 1 - static_cast<int>(bottom.size()) - spacing, 1);
+        const auto total = static_cast<std::size_t>(room);
+        if (page.items.empty()) {
+            textRoom = total;
+            itemRoom = 0;
+        } else if (page.list) {
+            textRoom = std::min(textRows.size(), std::max<std::size_t>(total / 2, 1));
+            itemRoom = std::max<std::size_t>(total - std::min(textRoom, total), 1);
+        } else {
+            itemRoom = std::min(itemsNeeded, total > 1 ? total - 1 : 1);
+            textRoom = std::max<std::size_t>(total - std::min(itemRoom, total), 1);
+        }
+    };
+    std::vector<std::string> bottom;
+    std::size_t textRoom = 0;
+    std::size_t itemRoom = 0;
+    layOut(page.hint, bottom, textRoom, itemRoom);
+    const bool fits = textRows.size() <= textRoom;
+    if (!fits && !page.list && !page.scrollHint.empty())
+        layOut(page.scrollHint, bottom, textRoom, itemRoom);
+
+    // The text: a window onto its rows, with the position on its last row
+    // when it does not fit. A list's text is cut instead (it holds the
+    // window's prompt, not content to read through).
+    std::vector<std::string> screen = {fitWidth(bold(page.title), width) + kNormal};
+    if (roomy)
+        screen.emplace_back();
+    if (textRows.size() <= textRoom) {
+        scroll.shown = textRows.size();
+        scroll.top = 0;
+        screen.insert(screen.end(), textRows.begin(), textRows.end());
+    } else if (page.list) {
+        scroll.shown = textRoom;
+        scroll.top = 0;
+        screen.insert(screen.end(), textRows.begin(), textRows.begin() + static_cast<long>(textRoom - 1));
+        screen.emplace_back("…");
+    } else {
+        scroll.shown = std::max<std::size_t>(textRoom - 1, 1);
+        scroll.top = std::min(scroll.top, textRows.size() - scroll.shown);
+        for (std::size_t r = scroll.top; r < scroll.top + scroll.shown; ++r)
+            screen.push_back(textRows[r]);
+        if (textRoom > 1)
+            screen.push_back(kDim + fitWidth(fill(texts_->scrollPosition,
+                                                  {std::to_string(scroll.top + 1), std::to_string(scroll.top + scroll.shown),
+                                                   std::to_string(textRows.size())}),
+                                             width) +
+                             kNormal);
+    }
+    if (scroll.top + scroll.shown >= textRows.size())
+        scroll.seenEnd = true;
+
+    // The items from listTop on, as many as fit, the selected one among them.
+    if (!page.items.empty()) {
+        if (roomy)
+            screen.emplace_back();
+        const std::size_t selected = std::min(page.selected, itemRows.size() - 1);
+        scroll.listTop = std::min(scroll.listTop, selected);
+        const auto rowsFrom = [&](std::size_t first, std::size_t last) {
+            std::size_t rows = 0;
+            for (std::size_t i = first; i <= last; ++i)
+                rows += itemRows[i].size();
+            return rows;
+        };
+        while (scroll.listTop < selected && rowsFrom(scroll.listTop, selected) > itemRoom)
+            ++scroll.listTop;
+        std::size_t used = 0;
+        std::size_t shownItems = 0;
+        for (std::size_t i = scroll.listTop; i < itemRows.size(); ++i) {
+            for (const auto &row : itemRows[i]) {
+                if (used == itemRoom)
+                    break;
+                screen.push_back(row);
+                ++used;
+            }
+            if (used == itemRoom && i != itemRows.size() - 1) {
+                // Show that more follow on the last row of the list.
+                if (i > selected)
+                    screen.back() = "  …";
+                ++shownItems;
+                break;
+            }
+            ++shownItems;
+        }
+        scroll.listShown = std::max<std::size_t>(shownItems, 2) - 1;
+    }
+    if (roomy)
+        screen.emplace_back();
+    screen.insert(screen.end(), bottom.begin(), bottom.end());
+    if (screen.size() > static_cast<std::size_t>(height))
+        screen.resize(static_cast<std::size_t>(height));
+
+    std::string out = "\x1b[H\x1b[2J";
+    for (std::size_t i = 0; i < screen.size(); ++i) {
+        if (i)
+            out += "\r\n";
+        out += screen[i];
+    }
+    out += page.input ? "\x1b[?25h" : "\x1b[?25l";
+    terminal_->write(out);
+}
+
+bool TerminalFrontEnd::scrollText(const Key &key, Scroll &scroll, bool arrows)
+{
+    if (scroll.fits())
+        return false;
+    const std::size_t last = scroll.rows - scroll.shown;
+    const std::size_t page = std::max<std::size_t>(scroll.shown - 1, 1);
+    switch (key.type) {
+    case KeyType::Up:
+        if (!arrows)
+            return false;
+        scroll.top = scroll.top > 0 ? scroll.top - 1 : 0;
+        return true;
+    case KeyType::Down:
+        if (!arrows)
+            return false;
+        scroll.top = std::min(scroll.top + 1, last);
+        return true;
+    case KeyType::PageUp:
+        scroll.top = scroll.top > page ? scroll.top - page : 0;
+        return true;
+    case KeyType::PageDown:
+        scroll.top = std::min(scroll.top + page, last);
+        return true;
+    case KeyType::Home:
+        scroll.top = 0;
+        return true;
+    case KeyType::End:
+        scroll.top = last;
+        return true;
+    default:
+        return false;
+    }
+}
+
+TerminalFrontEnd::MenuResult TerminalFrontEnd::menu(Page page, Scroll &scroll, bool details)
+{
+    const std::size_t count = page.items.size();
+    page.hint = details ? texts_->hintMenuDetails : texts_->hintMenu;
+    page.scrollHint = page.list ? std::string() : texts_->hintScroll;
+    // Steps over the locked item; stays put when there is nowhere to go.
+    const auto move = [&](std::size_t from, bool forward, bool wrap) {
+        std::size_t at = from;
+        for (std::size_t step = 0; step < count; ++step) {
+            if (forward)
+                at = at + 1 < count ? at + 1 : wrap ? 0 : at;
+            else
+                at = at > 0 ? at - 1 : at;
+            if (at != page.locked)
+                return at;
+        }
+        return from;
+    };
+    page.selected = std::min(page.selected, count - 1);
+    if (page.selected == page.locked)
+        page.selected = move(page.selected, true, true);
+    for (;;) {
+        draw(page, scroll);
+        if (page.locked != kNone && scroll.seenEnd) {
+            page.locked = kNone;
+            continue; // draw it choosable
+        }
+        const Key key = nextKey();
+        // A list takes every moving key; answers leave the arrows up and
+        // down, and the page keys, to a text that does not fit.
+        if (!page.list && scrollText(key, scroll, true))
+            continue;
+        const std::size_t pageStep = page.list ? std::max<std::size_t>(scroll.listShown, 1) : count;
         switch (key.type) {
         case KeyType::Up:
         case KeyType::Left:
-            selected = selected > 0 ? selected - 1 : 0;
+            page.selected = move(page.selected, false, false);
             break;
         case KeyType::Down:
         case KeyType::Right:
-            selected = std::min(selected + 1, items.size() - 1);
+            page.selected = move(page.selected, true, false);
             break;
         case KeyType::Tab:
-            selected = (selected + 1) % items.size();
+            page.selected = move(page.selected, true, true);
             break;
         case KeyType::Home:
-            selected = 0;
+            page.selected = page.locked == 0 ? move(0, true, false) : 0;
             break;
         case KeyType::End:
-            selected = items.size() - 1;
+            page.selected = page.locked == count - 1 ? move(count - 1, false, false) : count - 1;
             break;
         case KeyType::PageUp:
-            selected = selected > visible ? selected - visible : 0;
+            page.selected = page.selected > pageStep ? page.selected - pageStep : 0;
+            if (page.selected == page.locked)
+                page.selected = move(page.selected, true, false);
             break;
         case KeyType::PageDown:
-            selected = std::min(selected + visible, items.size() - 1);
+            page.selected = std::min(page.selected + pageStep, count - 1);
+            if (page.selected == page.locked)
+                page.selected = move(page.selected, false, false);
             break;
         case KeyType::Enter:
-            return {MenuAction::Chosen, selected};
+            return {MenuAction::Chosen, page.selected};
         case KeyType::Escape:
         case KeyType::Interrupt:
         case KeyType::Closed:
-            return {MenuAction::Cancelled, selected};
+            return {MenuAction::Cancelled, page.selected};
         case KeyType::Text:
-            if (key.text[0] >= '1' && key.text[0] <= '9' &&
-                static_cast<std::size_t>(key.text[0] - '1') < items.size())
-                selected = static_cast<std::size_t>(key.text[0] - '1');
+            if (key.text[0] >= '1' && key.text[0] <= '9' && static_cast<std::size_t>(key.text[0] - '1') < count &&
+                static_cast<std::size_t>(key.text[0] - '1') != page.locked)
+                page.selected = static_cast<std::size_t>(key.text[0] - '1');
             else if (details && (key.text == "d" || key.text == "D"))
-                return {MenuAction::Details, selected};
+                return {MenuAction::Details, page.selected};
             break;
         default:
             break;
@@ -233,26 +378,27 @@ TerminalFrontEnd::MenuResult TerminalFrontEnd::menu(const Lines &header, const L
     }
 }
 
-std::optional<std::string> TerminalFrontEnd::input(const Lines &header, const std::string &prompt, std::string text,
+std::optional<std::string> TerminalFrontEnd::input(Page page, const std::string &prompt, std::string text,
                                                    bool secret)
 {
+    Scroll scroll;
+    page.input = true;
+    page.prompt = prompt;
+    page.hint = texts_->hintInput;
     for (;;) {
-        Lines screen = header;
-        screen.emplace_back();
-        screen.emplace_back(texts_->hintInput);
-        screen.emplace_back();
-        std::string shown;
+        page.typed.clear();
         if (secret) {
             for (std::size_t i = 0; i < text.size(); ++i)
                 if ((static_cast<unsigned char>(text[i]) & 0xC0) != 0x80)
-                    shown.push_back('*');
+                    page.typed.push_back('*');
         } else {
-            shown = printable(text);
+            page.typed = printable(text);
         }
-        screen.push_back(std::string(kBold) + prompt + kNormal + shown);
-        draw(screen, true);
+        draw(page, scroll);
 
-        const Key key = terminal_->readKey(-1);
+        const Key key = nextKey();
+        if (scrollText(key, scroll, true))
+            continue;
         switch (key.type) {
         case KeyType::Enter:
             return text;
@@ -279,14 +425,20 @@ std::optional<std::string> TerminalFrontEnd::input(const Lines &header, const st
     }
 }
 
-bool TerminalFrontEnd::view(const Lines &lines)
+bool TerminalFrontEnd::view(const std::string &title, const Lines &text)
 {
-    Lines screen = lines;
-    screen.emplace_back();
-    screen.emplace_back(texts_->hintClose);
-    draw(screen);
+    Page page;
+    page.title = title;
+    page.text = text;
+    page.hint = texts_->hintClose;
+    page.scrollHint = texts_->hintViewScroll;
+    Scroll scroll;
     for (;;) {
-        switch (terminal_->readKey(-1).type) {
+        draw(page, scroll);
+        const Key key = nextKey();
+        if (scrollText(key, scroll, true))
+            continue;
+        switch (key.type) {
         case KeyType::Enter:
         case KeyType::Escape:
         case KeyType::Interrupt:
@@ -343,22 +495,21 @@ std::string TerminalFrontEnd::certificateItem(const CertificateEntry &entry) con
 
 std::optional<std::size_t> TerminalFrontEnd::pickCertificate(const Request &request, std::size_t initial)
 {
-    Lines items;
+    Page page;
+    page.title = texts_->titleSelectCertificate;
+    page.list = true;
     for (const auto &entry : request.certificates)
-        items.push_back(certificateItem(entry));
-    const Lines header = {std::string(kBold) + texts_->titleSelectCertificate + kNormal};
-    std::size_t current = initial;
+        page.items.push_back(certificateItem(entry));
+    page.selected = initial;
+    Scroll scroll;
     for (;;) {
-        const MenuResult result = menu(header, items, current, true);
-        current = result.index;
+        const MenuResult result = menu(page, scroll, true);
+        page.selected = result.index;
         if (result.action == MenuAction::Cancelled)
             return std::nullopt;
         if (result.action == MenuAction::Chosen)
-            return current;
-        Lines lines = {std::string(kBold) + texts_->titleCertificate + kNormal, ""};
-        const Lines details = certificateLines(request.certificates[current].data);
-        lines.insert(lines.end(), details.begin(), details.end());
-        if (!view(lines))
+            return result.index;
+        if (!view(texts_->titleCertificate, certificateLines(request.certificates[result.index].data)))
             return std::nullopt;
     }
 }
@@ -367,26 +518,30 @@ Outcome TerminalFrontEnd::showMessage(const Request &request)
 {
     if (!begin(request))
         return Outcome::NoUserInterface;
-    Lines lines = {std::string(kBold) + texts_->iconNames[request.icon] + kNormal, ""};
+    Lines lines;
     addText(lines, request.message);
     if (!request.info.empty()) {
         lines.emplace_back();
         addText(lines, request.info);
     }
-    return view(lines) ? Outcome::Answered : Outcome::Cancelled;
+    return view(texts_->iconNames[request.icon], lines) ? Outcome::Answered : Outcome::Cancelled;
 }
 
 Outcome TerminalFrontEnd::askYesNo(const Request &request, Answer &answer)
 {
     if (!begin(request))
         return Outcome::NoUserInterface;
-    Lines header = {std::string(kBold) + texts_->titleQuestion + kNormal, ""};
-    addText(header, request.message);
+    Page page;
+    page.title = texts_->titleQuestion;
+    addText(page.text, request.message);
     if (!request.info.empty()) {
-        header.emplace_back();
-        addText(header, request.info);
+        page.text.emplace_back();
+        addText(page.text, request.info);
     }
-    const MenuResult result = menu(header, {texts_->yes, texts_->no}, static_cast<std::size_t>(request.button));
+    page.items = {texts_->yes, texts_->no};
+    page.selected = static_cast<std::size_t>(request.button);
+    Scroll scroll;
+    const MenuResult result = menu(page, scroll);
     if (result.action != MenuAction::Chosen)
         return Outcome::Cancelled;
     answer.yes = result.index == 0;
@@ -400,6 +555,18 @@ Outcome TerminalFrontEnd::chooseFile(const Request &request, Answer &answer)
         return Outcome::NoUserInterface;
     return request.window == Window::FileSave ? saveFile(request, answer) : openFile(request, answer);
 }
+
+namespace {
+
+// The filter's line of a file window; a filter that cannot be read says so.
+std::string filterLine(const Texts &t, const std::string &filterText)
+{
+    if (!filterUnderstood(filterText))
+        return fill(t.filterNotUnderstood, {printable(filterText)});
+    return fill(t.filter, {filterText.empty() ? t.allFiles : printable(filterText)});
+}
+
+} // namespace
 
 Outcome TerminalFrontEnd::openFile(const Request &request, Answer &answer)
 {
@@ -426,27 +593,31 @@ Outcome TerminalFrontEnd::openFile(const Request &request, Answer &answer)
         std::sort(folders.begin(), folders.end());
         std::sort(files.begin(), files.end());
 
-        Lines header = {std::string(kBold) + texts_->titleOpen + kNormal, ""};
-        addText(header, request.message);
-        header.push_back(fill(texts_->filter, {request.fileFilter.empty() ? texts_->allFiles
-                                                                          : printable(request.fileFilter)}));
-        header.push_back(fill(texts_->folder, {printable(folder)}));
+        Page page;
+        page.title = texts_->titleOpen;
+        addText(page.text, request.message);
+        page.text.push_back(filterLine(*texts_, request.fileFilter));
+        page.text.push_back(fill(texts_->folder, {printable(folder)}));
         if (!problem.empty())
-            header.push_back(problem);
+            page.text.push_back(problem);
         problem.clear();
-        Lines items = {texts_->typePath, "../"};
+        page.list = true;
+        page.items = {texts_->typePath, "../"};
         for (const auto &name : folders)
-            items.push_back(printable(name) + "/");
+            page.items.push_back(printable(name) + "/");
         for (const auto &name : files)
-            items.push_back(printable(name));
+            page.items.push_back(printable(name));
+        page.selected = selected;
 
-        const MenuResult result = menu(header, items, selected);
+        Scroll scroll;
+        const MenuResult result = menu(page, scroll);
         if (result.action == MenuAction::Cancelled)
             return Outcome::Cancelled;
         selected = 0;
         std::string chosen;
         if (result.index == 0) {
-            const auto typed = input(header, texts_->path, folder == "/" ? "/" : folder + "/");
+            page.items.clear();
+            const auto typed = input(page, texts_->path, folder == "/" ? "/" : folder + "/");
             if (!typed)
                 continue;
             chosen = absolutePath(*typed);
@@ -476,30 +647,41 @@ Outcome TerminalFrontEnd::saveFile(const Request &request, Answer &answer)
     std::string name = request.fileName;
     std::string problem;
     for (;;) {
-        Lines header = {std::string(kBold) + texts_->titleSave + kNormal, ""};
-        addText(header, request.message);
-        header.push_back(fill(texts_->filter, {request.fileFilter.empty() ? texts_->allFiles
-                                                                          : printable(request.fileFilter)}));
-        header.push_back(fill(texts_->folder, {printable(currentFolder())}));
+        Page page;
+        page.title = texts_->titleSave;
+        addText(page.text, request.message);
+        page.text.push_back(filterLine(*texts_, request.fileFilter));
+        page.text.push_back(fill(texts_->folder, {printable(currentFolder())}));
         if (!problem.empty())
-            header.push_back(problem);
+            page.text.push_back(bold(problem));
         problem.clear();
-        const auto typed = input(header, texts_->fileName, name);
+        const auto typed = input(page, texts_->fileName, name);
         if (!typed)
             return Outcome::Cancelled;
         name = *typed;
-        if (name.empty())
+        if (name.empty()) {
+            problem = texts_->nameEmpty;
             continue;
+        }
         const std::string path = absolutePath(name);
+        const std::string parent = fs::path(path).parent_path().string();
         if (isFolder(path)) {
             problem = fill(texts_->isFolder, {printable(path)});
             continue;
         }
+        if (!isFolder(parent.empty() ? "/" : parent)) {
+            problem = fill(texts_->folderMissing, {printable(parent)});
+            continue;
+        }
         std::error_code error;
         if (fs::exists(path, error)) {
-            const Lines question = {std::string(kBold) + texts_->titleSave + kNormal, "",
-                                    fill(texts_->overwrite, {printable(path)})};
-            const MenuResult result = menu(question, {texts_->yes, texts_->no}, 1);
+            Page question;
+            question.title = texts_->titleSave;
+            question.text = {fill(texts_->overwrite, {printable(path)})};
+            question.items = {texts_->yes, texts_->no};
+            question.selected = 1;
+            Scroll scroll;
+            const MenuResult result = menu(question, scroll);
             if (result.action == MenuAction::Cancelled)
                 return Outcome::Cancelled;
             if (result.index != 0)
@@ -515,12 +697,10 @@ Outcome TerminalFrontEnd::showCertificate(const Request &request)
 {
     if (!begin(request))
         return Outcome::NoUserInterface;
-    Lines lines = {std::string(kBold) + texts_->titleCertificate + kNormal, ""};
-    const Lines details = certificateLines(request.certificate);
-    lines.insert(lines.end(), details.begin(), details.end());
     log_.add(readCertificate(request.certificate).isCertificate ? "Certificate shown."
                                                                 : "The -cert bytes are no certificate.");
-    return view(lines) ? Outcome::Answered : Outcome::Cancelled;
+    return view(texts_->titleCertificate, certificateLines(request.certificate)) ? Outcome::Answered
+                                                                                 : Outcome::Cancelled;
 }
 
 Outcome TerminalFrontEnd::selectCertificate(const Request &request, Answer &answer)
@@ -535,47 +715,67 @@ Outcome TerminalFrontEnd::selectCertificate(const Request &request, Answer &answ
     return Outcome::Answered;
 }
 
+void TerminalFrontEnd::addSignedData(Lines &lines, const char *name, const std::string &bytes)
+{
+    lines.push_back(label(name));
+    if (bytes.empty()) {
+        lines.emplace_back(texts_->noData);
+        return;
+    }
+    const SignedDataView view = viewSignedData(bytes);
+    if (!view.isText) {
+        lines.push_back(bold(texts_->notText));
+        log_.add(std::string(name) + ": not UTF-8 text, shown as a hex dump.");
+    }
+    addText(lines, view.text);
+    if (!view.isText && !lines.empty() && lines.back().empty())
+        lines.pop_back(); // the dump's closing line feed
+}
+
 Outcome TerminalFrontEnd::confirmSignature(const Request &request, Answer &answer)
 {
     if (!begin(request))
         return Outcome::NoUserInterface;
     const Texts &t = *texts_;
     std::size_t certificate = request.selected;
-    std::size_t action = 0;
-    const auto label = [](const char *text) { return std::string(kBold) + text + ":" + kNormal; };
-    for (;;) {
-        Lines header = {std::string(kBold) + t.titleSignature + kNormal, ""};
-        header.push_back(label(t.version) + " " + printable(request.version));
-        header.push_back(label(t.data));
-        addShortened(header, request.data, t);
-        if (request.rtf) {
-            header.push_back(label(t.formattedText));
-            addShortened(header, *request.rtf, t);
-        }
-        header.push_back(label(t.hashAlg) + " " + printable(request.hashAlg));
-        header.push_back(label(t.hashVal) + " " + printable(request.hashVal));
-        header.push_back(label(t.certificate) + " " + certificateItem(request.certificates[certificate]));
+    Lines data;
+    data.push_back(label(t.version) + " " + printable(request.version));
+    addSignedData(data, t.data, request.data);
+    if (request.rtf)
+        addSignedData(data, t.formattedText, *request.rtf);
+    data.push_back(label(t.hashAlg) + " " + printable(request.hashAlg));
+    data.push_back(label(t.hashVal) + " " + printable(request.hashVal));
 
-        const MenuResult result = menu(header, {t.sign, t.decline, t.changeCertificate, t.showCertificate}, action);
+    // Decline is preselected, and Sign can be chosen only once every row of
+    // the text has been on screen; the scroll state lives across the
+    // certificate windows so that this holds only once.
+    Page page;
+    page.title = t.titleSignature;
+    page.items = {t.sign, t.decline, t.changeCertificate, t.showCertificate};
+    page.selected = 1;
+    page.locked = 0;
+    Scroll scroll;
+    for (;;) {
+        page.text = data;
+        page.text.push_back(label(t.certificate) + " " + certificateItem(request.certificates[certificate]));
+        if (scroll.seenEnd)
+            page.locked = kNone;
+        const MenuResult result = menu(page, scroll);
         if (result.action == MenuAction::Cancelled)
             return Outcome::Cancelled;
-        action = result.index;
-        if (action == 0 || action == 1) {
-            answer.confirmed = action == 0;
+        page.selected = result.index;
+        if (result.index == 0 || result.index == 1) {
+            answer.confirmed = result.index == 0;
             answer.selected = static_cast<unsigned>(certificate);
             log_.add(std::string(answer.confirmed ? "Signature confirmed" : "Signature declined") +
                      " with certificate " + std::to_string(certificate) + ".");
             return Outcome::Answered;
         }
-        if (action == 2) {
+        if (result.index == 2) {
             if (const auto chosen = pickCertificate(request, certificate))
                 certificate = *chosen;
-        } else {
-            Lines lines = {std::string(kBold) + t.titleCertificate + kNormal, ""};
-            const Lines details = certificateLines(request.certificates[certificate].data);
-            lines.insert(lines.end(), details.begin(), details.end());
-            if (!view(lines))
-                return Outcome::Cancelled;
+        } else if (!view(t.titleCertificate, certificateLines(request.certificates[certificate].data))) {
+            return Outcome::Cancelled;
         }
     }
 }
@@ -584,29 +784,45 @@ Outcome TerminalFrontEnd::selectPkcs12(const Request &request, Answer &answer)
 {
     if (!begin(request))
         return Outcome::NoUserInterface;
+    const Texts &t = *texts_;
     std::string typed = request.fileName;
     std::string problem;
     for (;;) {
-        Lines header = {std::string(kBold) + texts_->titlePkcs12 + kNormal};
+        Page page;
+        page.title = t.titlePkcs12;
         if (!problem.empty())
-            header.push_back(problem);
-        const auto path = input(header, texts_->pkcs12File, typed);
+            page.text.push_back(bold(problem));
+        const auto path = input(page, t.pkcs12File, typed);
         if (!path)
             return Outcome::Cancelled;
         typed = *path;
         const std::string file = absolutePath(typed);
-        if (!isRegularFile(file)) {
-            problem = fill(texts_->noSuchFile, {printable(file)});
+        // The file is checked before the password is asked for, so that a
+        // wrong file is not blamed on the password.
+        const Pkcs12Check fileCheck = checkPkcs12(file, "");
+        if (fileCheck == Pkcs12Check::CannotRead || fileCheck == Pkcs12Check::NotPkcs12) {
+            problem = fill(fileCheck == Pkcs12Check::CannotRead ? t.pkcs12CannotRead : t.pkcs12NotPkcs12,
+                           {printable(file)});
+            log_.add(fileCheck == Pkcs12Check::CannotRead ? "PKCS#12 file cannot be read." : "Not a PKCS#12 file.");
             continue;
         }
-        const Lines passwordHeader = {std::string(kBold) + texts_->titlePkcs12 + kNormal, printable(file)};
-        const auto password = input(passwordHeader, texts_->password, "", true);
-        if (!password)
-            return Outcome::Cancelled;
-        answer.path = file;
-        answer.secondValue = *password;
-        log_.add("PKCS#12 file chosen.");
-        return Outcome::Answered;
+        Page passwordPage;
+        passwordPage.title = t.titlePkcs12;
+        passwordPage.text = {printable(file)};
+        for (;;) {
+            const auto password = input(passwordPage, t.password, "", true);
+            if (!password)
+                return Outcome::Cancelled;
+            if (checkPkcs12(file, *password) == Pkcs12Check::WrongPassword) {
+                passwordPage.text = {printable(file), bold(t.pkcs12WrongPassword)};
+                log_.add("Wrong PKCS#12 password.");
+                continue;
+            }
+            answer.path = file;
+            answer.secondValue = *password;
+            log_.add("PKCS#12 file chosen.");
+            return Outcome::Answered;
+        }
     }
 }
 
@@ -621,45 +837,49 @@ Outcome TerminalFrontEnd::reinsertCard(const Request &request, ReinsertCommandRe
     }
     std::optional<ReinsertCommand> state;
     bool hidden = false;
+    Scroll scroll;
     for (;;) {
+        Page page;
+        page.title = texts_->titleReinsert;
         if (hidden) {
-            draw({texts_->reinsertHidden});
+            page.text = {texts_->reinsertHidden, texts_->reinsertHiddenHint};
         } else {
-            Lines lines = {std::string(kBold) + texts_->titleReinsert + kNormal, ""};
-            addText(lines, request.message);
-            lines.emplace_back();
-            if (state)
-                lines.push_back(std::string(kHighlight) + "> " +
-                                (*state == ReinsertCommand::Insert ? texts_->reinsertInsert : texts_->reinsertRemove) +
-                                kNormal);
-            lines.emplace_back();
-            lines.emplace_back(texts_->reinsertHint);
-            draw(lines);
+            addText(page.text, request.message);
+            if (state) {
+                page.text.emplace_back();
+                page.text.push_back(std::string(kHighlight) + "> " +
+                                    (*state == ReinsertCommand::Insert ? texts_->reinsertInsert
+                                                                       : texts_->reinsertRemove) +
+                                    kNormal);
+            }
+            page.hint = texts_->reinsertHint;
         }
+        draw(page, scroll);
 
-        pollfd fds[2] = {{commands.fd(), POLLIN, 0}, {hidden ? -1 : terminal_->fd(), POLLIN, 0}};
-        if (pollRetrying(fds, 2, terminal_->hasPending() && !hidden ? 0 : -1) < 0) {
-            log_.add("Waiting for input failed.");
-            return Outcome::Cancelled;
-        }
-        if (fds[0].revents != 0) {
+        const Key key = terminal_->readKey(-1, commands.fd(), !hidden);
+        if (key.type == KeyType::Watched) {
             std::vector<ReinsertCommand> received;
             commands.readAvailable(received);
             for (ReinsertCommand command : received) {
                 if (command == ReinsertCommand::Close) {
+                    // The end of input without the close command: the host
+                    // is gone.
+                    if (commands.ended())
+                        return Outcome::Cancelled;
                     log_.add("Notice closed.");
                     return hidden ? Outcome::Cancelled : Outcome::Answered;
                 }
                 state = command;
                 log_.add(command == ReinsertCommand::Insert ? "Text: insert." : "Text: remove.");
             }
-        }
-        if (!hidden && (fds[1].revents != 0 || terminal_->hasPending())) {
-            const Key key = terminal_->readKey(0);
-            if (key.type == KeyType::Escape || key.type == KeyType::Interrupt || key.type == KeyType::Closed) {
-                hidden = true;
-                log_.add("The user hid the notice.");
-            }
+        } else if (scrollText(key, scroll, true)) {
+        } else if (key.type == KeyType::Escape || key.type == KeyType::Interrupt || key.type == KeyType::Closed) {
+            hidden = true;
+            // Hidden, the notice takes no keys: Ctrl-C goes back to being
+            // the terminal's interrupt, so that it ends the host and this
+            // notice together as the user expects.
+            terminal_->passSignalKeys(true);
+            log_.add("The user hid the notice.");
         }
     }
 }
