@@ -95,6 +95,8 @@ std::string jsonString(std::string_view text)
         if (c == '"' || c == '\\') {
             out += '\\';
             out += c;
+        } else if (c == '\n' || c == '\t' || c == '\r') {
+            out += c == '\n' ? "\\n" : c == '\t' ? "\\t" : "\\r";
         } else if (static_cast<unsigned char>(c) < 0x20) {
             out += hexEscape("\\u%04x", static_cast<unsigned char>(c));
         } else {
