@@ -11,8 +11,10 @@
 namespace OrvelTool {
 namespace {
 
+// No description, so that help shows a plain TEXT.
 const CLI::Validator kUtf8(
-    [](std::string &value) { return isValidUtf8(value) ? std::string() : std::string("not valid UTF-8"); }, "UTF-8");
+    [](std::string &value) { return isValidUtf8(value) ? std::string() : std::string("not valid UTF-8"); },
+    "");
 
 // A named choice or any int, the number passed on unchecked so that the
 // library's own range check can be seen.
@@ -197,8 +199,8 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
     if (call.command == "confirm-signature" && !call.data && !call.dataFile)
         return usageError("--data or --data-file is required");
     if ((call.command == "select-cert" || call.command == "confirm-signature") && call.selected >= call.files.size())
-        return usageError("--selected: " + std::to_string(call.selected) + " is not below the number of certificates (" +
-                          std::to_string(call.files.size()) + ")");
+        return usageError("--selected: " + std::to_string(call.selected) +
+                          " is not below the number of certificates (" + std::to_string(call.files.size()) + ")");
     if (call.command == "reinsert" && call.messageFile == "-")
         return usageError("--message-file: reinsert reads its commands from stdin; give a file");
     return std::nullopt;

@@ -16,7 +16,8 @@ std::string maskThirdToken(std::string_view line)
     if (second == std::string_view::npos)
         return std::string(line);
     const auto third = line.find(' ', second + 1);
-    const std::string_view token = line.substr(second + 1, third == std::string_view::npos ? third : third - second - 1);
+    const std::string_view token =
+        line.substr(second + 1, third == std::string_view::npos ? third : third - second - 1);
     if (token.empty() || token == "-log")
         return std::string(line);
     std::string masked(line.substr(0, second + 1));
