@@ -8,7 +8,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install-deps.sh
 cmake -S . -B build/demo -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVEL_BUILD_TESTS=OFF >/dev/null
-cmake --build build/demo -j "$(nproc)"
+cmake --build build/demo -j "$(nproc)" --target orvel-dialogs OrvelGUI
 
 if [ $# -eq 0 ]; then
   set -- --lang en yesno --message "Sign the document contract.pdf?" --info "Certificate: CN=Jan Novák"

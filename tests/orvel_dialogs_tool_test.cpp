@@ -22,6 +22,7 @@ struct Tool {
     explicit Tool(std::vector<std::string> arguments, std::string folder = {}, bool terminal = true,
                   bool pipeStdin = false)
         : process([&] {
+              ::setenv("ORVEL_GUI_FRONTEND", "terminal", 1); // not the desktop, even with a display
               ProcessOptions options;
               options.argv = {kTool};
               options.argv.insert(options.argv.end(), arguments.begin(), arguments.end());
@@ -230,22 +231,100 @@ TEST(OrvelDialogsTool, Pkcs12PrintsPathAndPassword)
     EXPECT_EQ(p.standardOutput(), kData + "id.p12\npäss\n");
 }
 
-TEST(OrvelDialogsTool, NoTerminalAndBadUsage)
+struct ToolCase {
+    std::vector<std::string> arguments;
+    int status;
+    std::string expected; // in what the tool printed, stdout or stderr
+    std::string absent;   // never printed
+};
+
+void expectCases(const std::vector<ToolCase> &cases, const std::string &stdinText = {})
 {
-    Tool noTerminal({"yesno", "--message", "Anyone?"}, {}, false);
-    EXPECT_EQ(noTerminal.process.waitExit(), 6);
-    EXPECT_EQ(noTerminal.process.standardOutput(), "");
+    for (const ToolCase &row : cases) {
+        Tool tool(row.arguments, {}, false, true);
+        auto &p = tool.process;
+        p.writeStdin(stdinText);
+        p.closeStdin();
+        const int status = p.waitExit();
+        const std::string printed = p.standardOutput() + p.screen();
+        SCOPED_TRACE(row.arguments.back() + ": " + printed);
+        EXPECT_EQ(status, row.status);
+        EXPECT_NE(printed.find(row.expected), std::string::npos);
+        if (!row.absent.empty()) {
+            EXPECT_EQ(printed.find(row.absent), std::string::npos);
+        }
+    }
+}
 
-    Tool unknown({"frobnicate"}, {}, false);
-    EXPECT_EQ(unknown.process.waitExit(), 64);
-    Tool missing({"yesno"}, {}, false);
-    EXPECT_EQ(missing.process.waitExit(), 64);
-    Tool notCertificate({"select-cert", kData + "../gui_app_test.cpp"}, {}, false);
-    EXPECT_EQ(notCertificate.process.waitExit(), 66);
+TEST(OrvelDialogsTool, CommandLineErrorsNameTheirCause)
+{
+    const std::string alice = kData + "alice.pem";
+    expectCases({
+        {{"yesno", "--message", "Anyone?"}, 6, "found no user interface", ""},
+        {{"frobnicate"}, 64, "orvel-dialogs: The following argument was not expected: frobnicate", ""},
+        {{"yesno"}, 64, "--message or --message-file is required", ""},
+        {{"yesno", "--message", "a", "--message", "b"}, 64, "--message:", ""},
+        {{"message", "--lang", "en", "--message", "caf\xe9"}, 64, "--message: not valid UTF-8", ""},
+        {{"select-cert", "--selected", "5", alice}, 64, "--selected: 5 is not below the number of certificates (1)",
+         ""},
+        {{"show-cert", "missing.pem"}, 66, "missing.pem: cannot read: No such file or directory", ""},
+        {{"select-cert", alice, "missing.pem"}, 66, "missing.pem: cannot read: No such file or directory", ""},
+        {{"select-cert", kData + "../gui_app_test.cpp"}, 66, "not a PEM or DER certificate", ""},
+        {{"--lang", "en", "--app", "/nonexistent", "yesno", "--message", "hi"}, 7,
+         "cause: no application bundle with an executable at \"/nonexistent\"", "libOrvelGUIDialogs.so"},
+        {{"--lang", "cs", "--app", "/nonexistent", "yesno", "--message", "hi"}, 7, "výsledek 7: výměna", ""},
+        {{"save", "--help"}, 0, "--buffer-size", ""},
+        {{"-V"}, 0, "orvel-dialogs " ORVEL_PROJECT_VERSION, ""},
+    });
+}
 
-    Tool help({"select-cert", "--help"}, {}, false);
-    EXPECT_EQ(help.process.waitExit(), 0);
-    EXPECT_NE(help.process.standardOutput().find("--force-days"), std::string::npos);
+// Replies of the scripted fake GUI application, through the tool.
+TEST(OrvelDialogsTool, ResultsLogAndJsonForScripts)
+{
+    const std::string app = ORVEL_FAKE_GUI_BUNDLE;
+    // "a", an escape sequence, tab, carriage return, a C1 control, "z".
+    const std::string guiLog = "YRtbMzFtYgljDcKbego="; // Base64 of "a\x1b[31mb\tc\r\u009bz\n"
+    struct Reply {
+        const char *reply;
+        const char *exit;
+        ToolCase expected;
+    };
+    const std::vector<Reply> replies = {
+        {"MessageBox -log ", "0",
+         {{"--lang", "en", "--app", app, "--log", "message", "--message", "m"}, 0,
+          "GUI application log: a\\x1B[31mb\tc\\x0D\\u009Bz", "\x1b"}},
+        {"SelectPKCS12 L2EucDEy c2VjcmV0 -log ", "0",
+         {{"--app", app, "--log", "--json", "pkcs12"}, 0,
+          "{\"result\":0,\"meaning\":\"success\",\"value\":{\"path\":\"/a.p12\"}}", "c2VjcmV0"}},
+        {"SelectPKCS12 L2EucDEy c2VjcmV0 -log ", "0",
+         {{"--app", app, "--log", "pkcs12"}, 0, "SelectPKCS12 L2EucDEy ******** -log", "c2VjcmV0"}},
+        {"YesNoDialog no -log ", "0", {{"--app", app, "--answer-status", "yesno", "--message", "m"}, 1, "no\n", ""}},
+        {"SignatureConfirm -result 1 -selectedCert 0 -log ", "0",
+         {{"--app", app, "--answer-status", "--json", "confirm-signature", "--data", "x", kData + "bob.der"}, 0,
+          "\"value\":{\"confirmed\":true,\"index\":0}}", ""}},
+        {"MessageBox -log ", "5",
+         {{"--lang", "en", "--app", app, "--json", "message", "--message", "m"}, 5,
+          "\"cause\":\"GUI application log: a\\\\x1B[31mb\\tc\\\\x0D\\\\u009Bz\"", ""}},
+    };
+    for (const Reply &reply : replies) {
+        ::setenv("FAKEGUI_REPLY", (reply.reply + guiLog).c_str(), 1);
+        ::setenv("FAKEGUI_EXIT", reply.exit, 1);
+        expectCases({reply.expected});
+    }
+}
+
+TEST(OrvelDialogsTool, TextsFromFilesAndBadReinsertCommands)
+{
+    TempFolder folder;
+    std::ofstream(folder.path + "/long.txt") << std::string(200000, 'a');
+    expectCases({{{"--lang", "en", "message", "--message-file", folder.path + "/long.txt"}, 7,
+                  "cause: posix_spawn", "Argument list too long\n/"}});
+    // A command that is none ends the tool with 65 after closing the notice;
+    // --log still prints the log.
+    expectCases({{{"--lang", "en", "--log", "reinsert", "--message-file", "-"}, 64, "give a file", ""},
+                 {{"--lang", "en", "--log", "reinsert", "--message", "Card"}, 65,
+                  "line 2: unknown command 'bogus'", ""}},
+                "remove\nbogus\nclose\n");
 }
 
 } // namespace

@@ -23,19 +23,25 @@ std::int64_t floorDays(std::int64_t seconds)
 
 } // namespace
 
-bool readFile(const std::string &path, std::string &content)
+bool readFile(const std::string &path, std::string &content, std::string &error)
 {
-    std::FILE *file = std::fopen(path.c_str(), "rb");
-    if (!file)
+    const bool standardInput = path == "-";
+    std::FILE *file = standardInput ? stdin : std::fopen(path.c_str(), "rb");
+    if (!file) {
+        error = path + ": cannot read: " + std::strerror(errno);
         return false;
+    }
     content.clear();
     char buffer[65536];
     std::size_t n = 0;
     while ((n = std::fread(buffer, 1, sizeof buffer, file)) > 0)
         content.append(buffer, n);
-    const bool ok = std::ferror(file) == 0;
-    std::fclose(file);
-    return ok;
+    const int readError = std::ferror(file) ? (errno != 0 ? errno : EIO) : 0;
+    if (!standardInput)
+        std::fclose(file);
+    if (readError != 0)
+        error = path + ": cannot read: " + std::strerror(readError);
+    return readError == 0;
 }
 
 CertificateRecord makeRecord(const std::string &der, const std::string &subject, std::int64_t notAfterEpoch,
@@ -58,10 +64,8 @@ bool HostCertificates::load(const std::vector<std::string> &files, const Renewal
     const std::int64_t now = static_cast<std::int64_t>(std::time(nullptr));
     for (const std::string &path : files) {
         std::string content;
-        if (!readFile(path, content)) {
-            error = path + ": " + std::strerror(errno);
+        if (!readFile(path, content, error))
             return false;
-        }
         const OrvelGui::CertificateDetails details = OrvelGui::readCertificate(content);
         if (!details.isCertificate || details.der.empty() || !details.notAfterEpoch) {
             error = path + ": not a PEM or DER certificate";

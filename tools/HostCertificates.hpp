@@ -45,7 +45,8 @@ private:
     std::vector<ORV_Certificate> records_;
 };
 
-// The whole file, or false.
-bool readFile(const std::string &path, std::string &content);
+// The whole file ("-": standard input), or false with "PATH: cannot read: why"
+// in `error`, the one wording for every file the tool reads.
+bool readFile(const std::string &path, std::string &content, std::string &error);
 
 } // namespace OrvelTool
