@@ -433,8 +433,13 @@ int main(int argc, char **argv)
                              "give --app PATH\n");
         return kInputError;
     }
-    if (call.lang)
+    if (call.lang) {
         ORV_SetLanguage(*call.lang == "cs" ? 0 : *call.lang == "sk" ? 1 : 2);
+        // The message box and the certificate display get no language on the
+        // GUI application's command line; it then follows its locale, which
+        // it inherits from here.
+        ::setenv("LC_ALL", *call.lang == "cs" ? "cs_CZ.UTF-8" : *call.lang == "sk" ? "sk_SK.UTF-8" : "en_US.UTF-8", 1);
+    }
     ORV_SetAppPath(app->c_str());
 
     Answer answer;

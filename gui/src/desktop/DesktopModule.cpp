@@ -4,22 +4,51 @@
 #include "desktop/FirstPaintHook.hpp"
 
 #include <QApplication>
+#include <QThread>
+
+#include <cstdio>
 
 #include <memory>
 
 namespace OrvelGui {
 namespace {
 
+GuiLog *qtMessagesLog = nullptr;
+
+// Qt's warnings (a missing XDG_RUNTIME_DIR, a font it lacks) belong in the
+// application's log, not on the terminal the host was started from.
+void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    if (type == QtDebugMsg || type == QtInfoMsg)
+        return;
+    if (qtMessagesLog && QThread::currentThread() == QCoreApplication::instance()->thread())
+        qtMessagesLog->add("Qt: " + message.toStdString());
+    else
+        std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
 class QtDesktopSession final : public DesktopSession {
 public:
-    explicit QtDesktopSession(GuiLog &log) : application_(argc_, argv_), frontEnd_(log)
+    explicit QtDesktopSession(GuiLog &log) : messages_(log), application_(argc_, argv_), frontEnd_(log)
     {
         QApplication::setApplicationDisplayName(QStringLiteral("Orvel Dialogs"));
         FirstPaintHook::installIfRequested(&application_);
     }
+    ~QtDesktopSession() override
+    {
+        qInstallMessageHandler(nullptr);
+        qtMessagesLog = nullptr;
+    }
     FrontEnd &frontEnd() override { return frontEnd_; }
 
 private:
+    struct LogQtMessages {
+        explicit LogQtMessages(GuiLog &log)
+        {
+            qtMessagesLog = &log;
+            qInstallMessageHandler(logQtMessage);
+        }
+    } messages_;
     // Qt reads options such as "-style" from its arguments; the dialog's own
     // arguments (any text the host sent) must never reach it.
     int argc_ = 1;
