@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# The desktop front end end to end: orvel-dialogs -> library -> OrvelGUI.app
+# under a private Xvfb server, the window found and answered with xdotool.
+# Also: a window whose host is killed closes by itself.
+set -u
+tool=$1
+for program in Xvfb xdotool; do
+  command -v "$program" >/dev/null || { echo "SKIP: $program is not installed"; exit 77; }
+done
+work=$(mktemp -d)
+server=
+cleanup() {
+  [ -n "$server" ] && kill "$server" 2>/dev/null
+  rm -rf "$work"
+}
+trap cleanup EXIT
+
+mkfifo "$work/display"
+Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
+server=$!
+read -r -t 20 number <"$work/display" || { echo "FAILED: Xvfb did not start"; cat "$work/xvfb.log"; exit 1; }
+export DISPLAY=:$number ORVEL_GUI_FRONTEND=desktop XDG_RUNTIME_DIR=$work
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+
+failed=0
+# window <title>: the id of the window once it is mapped (20 s at most).
+window() { timeout 20 xdotool search --sync --onlyvisible --name "$1" 2>/dev/null | head -n 1; }
+
+# answer <keys> <expected output> <expected status>
+answer() {
+  "$tool" --lang en yesno --message "Sign the document?" --button yes >"$work/out" 2>"$work/err" &
+  local host=$! id status
+  id=$(window "^Question")
+  if [ -z "$id" ]; then
+    echo "FAILED: no yes/no window appeared"; cat "$work/err"; kill "$host"; failed=1; return
+  fi
+  xdotool windowfocus --sync "$id" 2>/dev/null || true
+  xdotool key --delay 50 $1
+  wait "$host"
+  status=$?
+  if [ "$(cat "$work/out")" != "$2" ] || [ "$status" -ne "$3" ]; then
+    echo "FAILED: keys '$1' gave '$(cat "$work/out")' with status $status, not '$2' with $3"
+    cat "$work/err"
+    failed=1
+  else
+    echo "ok: keys '$1' -> '$2', status $3"
+  fi
+}
+answer "Return" "yes" 0
+answer "Tab Return" "no" 0
+answer "Escape" "" 2
+
+# The host is killed while its question is open: the window must go too.
+"$tool" --lang en yesno --message "Still there?" >/dev/null 2>&1 &
+host=$!
+id=$(window "^Question")
+kill -KILL "$host"
+wait "$host" 2>/dev/null
+gone=0
+for _ in $(seq 1 100); do
+  xdotool search --onlyvisible --name "^Question" >/dev/null 2>&1 || { gone=1; break; }
+  sleep 0.1
+done
+if [ -z "$id" ] || [ "$gone" -ne 1 ]; then
+  echo "FAILED: the window outlived its killed host"; failed=1
+else
+  echo "ok: the window closed when its host was killed"
+fi
+
+[ "$failed" -eq 0 ] && echo "desktop end to end: all passed"
+exit "$failed"
