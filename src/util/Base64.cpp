@@ -4,6 +4,7 @@
 #include <OrvelGUIDialogs/Util.hpp>
 
 #include "util/Base64Alphabet.hpp"
+#include "util/LargeBuffer.hpp"
 
 #include <array>
 #include <cctype>
@@ -76,10 +77,9 @@ void Base64::appendUtilDecoded(std::string_view encoded, std::string &out)
 {
     const auto *text = reinterpret_cast<const unsigned char *>(encoded.data());
     const auto *end = text + encoded.size();
-    const size_t start = out.size();
     // Room for every group; trimmed to what was written at the end.
-    out.resize(start + encoded.size() / 4 * 3 + 2);
-    auto *o = reinterpret_cast<unsigned char *>(out.data()) + start;
+    auto *o = reinterpret_cast<unsigned char *>(
+        LargeBuffer::extendUninitialized(out, out.size() + encoded.size() / 4 * 3 + 2));
 
     // The common case first: whole groups of alphabet characters, two at a
     // time, each character's value already shifted to its place.

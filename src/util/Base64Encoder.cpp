@@ -1,5 +1,7 @@
 #include "util/Base64Alphabet.hpp"
 
+#include "util/LargeBuffer.hpp"
+
 #include <cstring>
 
 namespace OrvelDialogs::Base64 {
@@ -17,8 +19,7 @@ void encodeInto(const unsigned char *bytes, size_t length, const char *alphabet,
     text.clear();
     if (length == 0)
         return;
-    text.resize((length + 2) / 3 * 4);
-    char *out = text.data();
+    char *out = LargeBuffer::extendUninitialized(text, (length + 2) / 3 * 4);
     size_t i = 0;
     // Six bytes at a time, read as one word (of which the last two bytes
     // are not used yet), give eight characters written as one word.
