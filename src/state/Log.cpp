@@ -4,22 +4,36 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "state/Log.hpp"
+#include "util/LargeBuffer.hpp"
 
-void logMsg(const std::string &message)
-{
-    if (!g_logBuffer)
-        g_logBuffer.emplace();
-    g_logBuffer->append(message);
-    g_logBuffer->push_back('\n');
-}
+namespace {
 
-namespace OrvelDialogs::State {
-
-void logEntryInPlace(const std::function<void(std::string &)> &write)
+// The log with room for `bytes` more. Its room grows geometrically, and once
+// it is large in huge pages: a long-lived host's log of many MiB is neither
+// copied nor faulted in afresh on every entry.
+std::string &logWithRoomFor(size_t bytes)
 {
     if (!g_logBuffer)
         g_logBuffer.emplace();
     std::string &log = *g_logBuffer;
+    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes);
+    return log;
+}
+
+} // namespace
+
+void logMsg(const std::string &message)
+{
+    std::string &log = logWithRoomFor(message.size() + 1);
+    log.append(message);
+    log.push_back('\n');
+}
+
+namespace OrvelDialogs::State {
+
+void logEntryInPlace(size_t expectedBytes, const std::function<void(std::string &)> &write)
+{
+    std::string &log = logWithRoomFor(expectedBytes + 1);
     const size_t entryStart = log.size();
     try {
         write(log);
