@@ -1,6 +1,7 @@
 // A reply whose log section is 64 MiB, through the launcher (wait, status,
 // GetStdoutResponse, ProcessLogFromGUI), against reading the same bytes from
-// a pipe into a reused buffer. The same responder writes both.
+// a pipe into a reused buffer. The same responder writes both. The log is
+// never cleared, as a host never clears it: every exchange adds 48 MiB.
 #include "BenchTable.hpp"
 #include "spawn_baseline.h"
 
@@ -38,12 +39,12 @@ bool exchange(std::string &reply)
 void LargeReply_Ours(benchmark::State &state)
 {
     setLogSize();
-    std::string reply;
+    static std::string reply;
     try {
-        // Not timed: the first large replies of a process find no memory
+        // Not timed: the first large reply of a process finds no memory
         // touched before (the baseline's buffer is touched beforehand too).
-        for (int i = 0; i < 2; ++i)
-            exchange(reply);
+        static const bool warm = exchange(reply);
+        benchmark::DoNotOptimize(warm);
         const OrvelBench::FaultCounter faults(state);
         for (auto _ : state) {
             const bool ok = exchange(reply);
@@ -57,7 +58,9 @@ void LargeReply_Ours(benchmark::State &state)
     }
     state.SetBytesProcessed(state.iterations() * kReplyBytes);
 }
-BENCHMARK(LargeReply_Ours)->UseRealTime()->MinTime(2)->Unit(benchmark::kMillisecond);
+// A fixed number of exchanges: the log keeps every one (1 GiB at the end of
+// the default five repetitions).
+BENCHMARK(LargeReply_Ours)->UseRealTime()->Iterations(4)->Unit(benchmark::kMillisecond);
 
 void LargeReply_Baseline(benchmark::State &state)
 {
@@ -84,7 +87,8 @@ int main(int argc, char **argv)
         const auto &ours = OrvelBench::find(results, "LargeReply_Ours");
         const auto &baseline = OrvelBench::find(results, "LargeReply_Baseline");
         const double ratio = ours.seconds / baseline.seconds;
-        table.row("64 MiB reply (log section): GetStdoutResponse + ProcessLogFromGUI",
+        table.row("64 MiB reply through the launcher (GetStdoutResponse + ProcessLogFromGUI), log kept, vs reading the "
+                  "pipe",
                   OrvelBench::milliseconds(ours.seconds) + OrvelBench::faults(ours),
                   OrvelBench::milliseconds(baseline.seconds) + OrvelBench::faults(baseline) +
                       " (pipe read into a reused buffer)",
