@@ -8,15 +8,18 @@
 
 namespace {
 
-// The log with room for `bytes` more. Its room grows geometrically, and once
-// it is large in huge pages: a long-lived host's log of many MiB is neither
-// copied nor faulted in afresh on every entry.
+// The log only grows, and each growth copies all of it: its room grows
+// fourfold, so that a long-lived host's log of many MiB is copied (and its
+// copy faulted in) seldom. Room not yet written costs address space only.
+constexpr size_t kLogGrowth = 4;
+
+// The log with room for `bytes` more, in huge pages once it is large.
 std::string &logWithRoomFor(size_t bytes)
 {
     if (!g_logBuffer)
         g_logBuffer.emplace();
     std::string &log = *g_logBuffer;
-    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes);
+    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes, kLogGrowth);
     return log;
 }
 

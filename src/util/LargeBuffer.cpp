@@ -48,11 +48,11 @@ void adviseHugePages([[maybe_unused]] char *data, [[maybe_unused]] size_t size)
 
 } // namespace
 
-void reserve(std::string &text, size_t capacity)
+void reserve(std::string &text, size_t capacity, size_t growth)
 {
     if (capacity <= text.capacity())
         return;
-    capacity = std::max(capacity, text.capacity() * 2);
+    capacity = std::max(capacity, text.capacity() * growth);
     if (capacity < kLargeBytes) {
         text.reserve(capacity);
         return;
