@@ -83,8 +83,8 @@ BENCHMARK(LargeReply_Baseline)->UseRealTime()->MinTime(2)->Unit(benchmark::kMill
 // to a string that is never cleared: the baseline grows its memory as the
 // library's log does. On this VM memory the process has not held before
 // costs about 2.5 ms a MiB to touch, in small pages or huge ones, so a log
-// that keeps growing pays that
-// whatever the code does; this row shows what the library adds to it.
+// that keeps growing pays that whatever the code does; this row shows what
+// the library adds to it.
 void LargeReply_GrowingBaseline(benchmark::State &state)
 {
     setLogSize();
