@@ -122,13 +122,9 @@ BENCHMARK(CertificateList_Baseline)->UseRealTime()->Unit(benchmark::kMillisecond
 int main(int argc, char **argv)
 {
     return OrvelBench::runAndReport(argc, argv, [](const OrvelBench::Results &results, OrvelBench::Table &table) {
-        const auto &ours = OrvelBench::find(results, "CertificateList_Ours");
-        const auto &baseline = OrvelBench::find(results, "CertificateList_Baseline");
-        const double ratio = ours.seconds / baseline.seconds;
-        table.row("1,000 certificate records (2 KiB each) to the -certs text",
-                  OrvelBench::milliseconds(ours.seconds) + OrvelBench::faults(ours),
-                  OrvelBench::milliseconds(baseline.seconds) + OrvelBench::faults(baseline) +
-                      " (plist_to_xml + one Base64 pass)",
-                  OrvelBench::fixed(ratio), "ratio <= 1.5", ratio <= 1.5);
+        table.timeRow("1,000 certificate records (2 KiB each) to the -certs text vs plist_to_xml + one Base64 pass",
+                      OrvelBench::find(results, "CertificateList_Ours"),
+                      OrvelBench::find(results, "CertificateList_Baseline"), " (dictionaries built beforehand)",
+                      OrvelBench::milliseconds, 1.5);
     });
 }
