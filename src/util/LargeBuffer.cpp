@@ -25,16 +25,18 @@ constexpr size_t kAllocatorOverhead = 64;
 void adviseHugePages([[maybe_unused]] char *data, [[maybe_unused]] size_t size)
 {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
-    // Only the whole 2 MiB units inside the room; the kernel may refuse
-    // (huge pages switched off), and then the room works as it is.
+    // Only the 2 MiB units inside the room, give or take malloc's bytes at
+    // its ends; the kernel may refuse (huge pages switched off), and then
+    // the room works as it is.
     const auto begin = reinterpret_cast<uintptr_t>(data);
     const uintptr_t first = begin & ~(kHugePage - 1);
     // The room is rounded to end just short of a unit's end (see reserve).
     const uintptr_t last = (begin + size + kAllocatorOverhead) & ~(kHugePage - 1);
     if (last <= first)
         return;
-    // A unit that starts just before the room holds only malloc's header:
-    // it is ours too.
+    // A unit that starts less than a page before the room is taken too: it
+    // holds malloc's header (or, on the heap, at most a page of other
+    // blocks, whose contents advice does not change).
     const bool ownsFirstUnit = begin - first < kSmallPage;
     const uintptr_t advised = ownsFirstUnit ? first : first + kHugePage;
     if (last > advised)
