@@ -59,7 +59,13 @@ void reserve(std::string &text, size_t capacity, size_t growth)
         text.reserve(capacity);
         return;
     }
-    capacity = (capacity + kAllocatorOverhead + kHugePage - 1) / kHugePage * kHugePage - kAllocatorOverhead;
+    // glibc's malloc maps a request this large on its own, always; smaller
+    // ones may come from its heap, which it trims back to the system once
+    // more than about twice the largest freed block is free at its top:
+    // rounding those up would only make it give the memory back sooner.
+    constexpr size_t kAlwaysMapped = size_t{32} << 20;
+    if (capacity >= kAlwaysMapped)
+        capacity = (capacity + kAllocatorOverhead + kHugePage - 1) / kHugePage * kHugePage - kAllocatorOverhead;
     // Advised before the contents arrive, so that copying them faults in
     // huge pages.
     std::string room;
