@@ -54,9 +54,7 @@ constexpr auto kShifted = [] {
     return shifted;
 }();
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-#define ORVEL_BASE64_AVX2 1
-
+#ifdef ORVEL_BASE64_AVX2
 // Whole blocks of 32 alphabet characters, 24 bytes each, with AVX2; stops
 // before the first block that holds anything else (or before the last 32
 // characters, so that the scalar rules decide the end). Advances both
@@ -103,12 +101,6 @@ __attribute__((target("avx2"))) void decodeBlocksAvx2(const unsigned char *&text
         out += 24;
     }
 }
-
-bool hasAvx2()
-{
-    static const bool available = __builtin_cpu_supports("avx2");
-    return available;
-}
 #endif
 
 } // namespace
@@ -143,7 +135,7 @@ void Base64::appendUtilDecoded(std::string_view encoded, std::string &out)
         LargeBuffer::extendUninitialized(out, out.size() + encoded.size() / 4 * 3 + 2));
 
 #ifdef ORVEL_BASE64_AVX2
-    if (hasAvx2())
+    if (OrvelDialogs::Base64::processorHasAvx2())
         decodeBlocksAvx2(text, end, o);
 #endif
     // The common case first: whole groups of alphabet characters, two at a

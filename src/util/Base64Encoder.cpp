@@ -11,9 +11,7 @@
 namespace OrvelDialogs::Base64 {
 namespace {
 
-#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
-#define ORVEL_BASE64_AVX2 1
-
+#ifdef ORVEL_BASE64_AVX2
 // 24 bytes at a time to 32 characters of kAlphabet (both codecs' alphabet),
 // with AVX2, while 28 bytes can be read. Advances both pointers.
 __attribute__((target("avx2"))) void encodeBlocksAvx2(const unsigned char *&in, const unsigned char *end, char *&out)
@@ -48,14 +46,17 @@ __attribute__((target("avx2"))) void encodeBlocksAvx2(const unsigned char *&in, 
     }
 }
 
-bool hasAvx2()
+#endif
+
+} // namespace
+
+#ifdef ORVEL_BASE64_AVX2
+bool processorHasAvx2()
 {
     static const bool available = __builtin_cpu_supports("avx2");
     return available;
 }
 #endif
-
-} // namespace
 
 std::string encode(const unsigned char *bytes, size_t length, const char *alphabet, const PairTable &pairs)
 {
@@ -73,7 +74,7 @@ void encodeInto(const unsigned char *bytes, size_t length, const char *alphabet,
     char *out = LargeBuffer::extendUninitialized(text, (length + 2) / 3 * 4);
     size_t i = 0;
 #ifdef ORVEL_BASE64_AVX2
-    if (hasAvx2()) {
+    if (processorHasAvx2()) {
         const unsigned char *in = bytes;
         encodeBlocksAvx2(in, bytes + length, out);
         i = static_cast<size_t>(in - bytes);
