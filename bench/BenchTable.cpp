@@ -86,6 +86,15 @@ void Table::row(const std::string &what, const std::string &ours, const std::str
     std::fflush(stdout);
 }
 
+void Table::timeRow(const std::string &what, const Result &ours, const Result &baseline,
+                    const std::string &baselineNote, std::string (*time)(double seconds), double maximum,
+                    int ratioDecimals)
+{
+    const double ratio = ours.seconds / baseline.seconds;
+    row(what, time(ours.seconds) + faults(ours), time(baseline.seconds) + faults(baseline) + baselineNote,
+        fixed(ratio, ratioDecimals), "ratio <= " + fixed(maximum, ratioDecimals), ratio <= maximum);
+}
+
 int runAndReport(int argc, char **argv, const std::function<void(const Results &, Table &)> &report)
 {
     std::vector<char *> arguments(argv, argv + argc);

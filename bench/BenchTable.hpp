@@ -49,6 +49,10 @@ public:
     // more as a line starting with "ROW|" for scripts/bench.sh.
     void row(const std::string &what, const std::string &ours, const std::string &baseline, const std::string &ratio,
              const std::string &target, bool met);
+    // A row of two times, each printed by `time` with its page faults, and
+    // the target that ours take at most `maximum` times the baseline's.
+    void timeRow(const std::string &what, const Result &ours, const Result &baseline, const std::string &baselineNote,
+                 std::string (*time)(double seconds), double maximum, int ratioDecimals = 2);
 };
 
 // Runs the registered benchmarks (5 interleaved repetitions unless the

@@ -1,26 +1,27 @@
-// Util::Base64Encode and Util::Base64Decode on 64 MiB of data, against a
-// plain table-driven loop over the same bytes. Both return a new string, as
-// the library's interface does. With malloc's defaults a block this large is
-// mapped afresh for every call, so its pages are first touched inside the
-// timing; scripts/bench.sh also runs this with an allocator that keeps freed
-// memory.
+// Util::Base64Encode and Util::Base64Decode on 64 MiB, 64 KiB and 1 KiB of
+// data, against a plain table-driven loop over the same bytes. Both return a
+// new string, as the library's interface does. With malloc's defaults a
+// block of 64 MiB is mapped afresh for every call, so its pages are first
+// touched inside the timing, for ours and the baseline alike.
 #include "BenchTable.hpp"
 
 #include <OrvelGUIDialogs/Util.hpp>
 
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr size_t kBytes = 64u << 20;
+constexpr size_t kLargest = 64u << 20;
+constexpr long kSizes[] = {64L << 20, 64L << 10, 1L << 10};
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 const std::vector<unsigned char> &data()
 {
     static const std::vector<unsigned char> bytes = [] {
-        std::vector<unsigned char> random(kBytes);
+        std::vector<unsigned char> random(kLargest);
         std::mt19937_64 generator(42);
         for (auto &byte : random)
             byte = static_cast<unsigned char>(generator());
@@ -29,10 +30,14 @@ const std::vector<unsigned char> &data()
     return bytes;
 }
 
-const std::string &text()
+// The Base64 text of the first `bytes` bytes of data().
+const std::string &text(size_t bytes)
 {
-    static const std::string encoded = OrvelDialogs::Util::Base64Encode(data().data(), kBytes);
-    return encoded;
+    static std::map<size_t, std::string> encoded;
+    auto &text = encoded[bytes];
+    if (text.empty())
+        text = OrvelDialogs::Util::Base64Encode(data().data(), static_cast<unsigned>(bytes));
+    return text;
 }
 
 std::string plainEncode(const unsigned char *bytes, size_t length)
@@ -92,68 +97,85 @@ std::string plainDecode(const std::string &encoded)
 void Encode_Ours(benchmark::State &state)
 {
     const auto &bytes = data();
+    const auto size = static_cast<size_t>(state.range(0));
     const OrvelBench::FaultCounter faults(state);
     for (auto _ : state)
-        benchmark::DoNotOptimize(OrvelDialogs::Util::Base64Encode(bytes.data(), kBytes));
-    state.SetBytesProcessed(state.iterations() * kBytes);
+        benchmark::DoNotOptimize(OrvelDialogs::Util::Base64Encode(bytes.data(), static_cast<unsigned>(size)));
+    state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
 void Encode_Baseline(benchmark::State &state)
 {
     const auto &bytes = data();
+    const auto size = static_cast<size_t>(state.range(0));
     const OrvelBench::FaultCounter faults(state);
     for (auto _ : state)
-        benchmark::DoNotOptimize(plainEncode(bytes.data(), kBytes));
-    state.SetBytesProcessed(state.iterations() * kBytes);
+        benchmark::DoNotOptimize(plainEncode(bytes.data(), size));
+    state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
 void Decode_Ours(benchmark::State &state)
 {
-    const auto &encoded = text();
+    const auto &encoded = text(static_cast<size_t>(state.range(0)));
     const OrvelBench::FaultCounter faults(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(OrvelDialogs::Util::Base64Decode(encoded));
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
 void Decode_Baseline(benchmark::State &state)
 {
-    const auto &encoded = text();
+    const auto &encoded = text(static_cast<size_t>(state.range(0)));
     const OrvelBench::FaultCounter faults(state);
     for (auto _ : state)
         benchmark::DoNotOptimize(plainDecode(encoded));
-    state.SetBytesProcessed(state.iterations() * kBytes);
+    state.SetBytesProcessed(state.iterations() * state.range(0));
 }
 
-BENCHMARK(Encode_Ours)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Encode_Baseline)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Decode_Ours)->UseRealTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Decode_Baseline)->UseRealTime()->Unit(benchmark::kMillisecond);
+void sizes(benchmark::internal::Benchmark *benchmark)
+{
+    for (const long size : kSizes)
+        benchmark->Arg(size);
+}
+
+BENCHMARK(Encode_Ours)->Apply(sizes)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(Encode_Baseline)->Apply(sizes)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(Decode_Ours)->Apply(sizes)->UseRealTime()->Unit(benchmark::kMicrosecond);
+BENCHMARK(Decode_Baseline)->Apply(sizes)->UseRealTime()->Unit(benchmark::kMicrosecond);
+
+std::string sizeName(long size)
+{
+    return size >= (1L << 20) ? std::to_string(size >> 20) + " MiB" : std::to_string(size >> 10) + " KiB";
+}
 
 } // namespace
 
 int main(int argc, char **argv)
 {
     // Both codecs must agree before their speed means anything.
-    if (OrvelDialogs::Util::Base64Decode(text()) != plainDecode(text()) ||
-        plainEncode(data().data(), kBytes) != text()) {
+    if (OrvelDialogs::Util::Base64Decode(text(kLargest)) != plainDecode(text(kLargest)) ||
+        plainEncode(data().data(), kLargest) != text(kLargest)) {
         std::fprintf(stderr, "the baseline codec disagrees with the library\n");
         return 1;
     }
     return OrvelBench::runAndReport(argc, argv, [](const OrvelBench::Results &results, OrvelBench::Table &table) {
-        for (const std::string operation : {"Encode", "Decode"}) {
-            const auto &oursResult = OrvelBench::find(results, operation + "_Ours");
-            const auto &baselineResult = OrvelBench::find(results, operation + "_Baseline");
-            const double ours = oursResult.counter("bytes_per_second");
-            const double baseline = baselineResult.counter("bytes_per_second");
-            std::string what = "Util::Base64";
-            what += operation;
-            what += ", 64 MiB";
-            table.row(what, OrvelBench::fixed(ours / 1e9) + " GB/s" + OrvelBench::faults(oursResult),
-                      OrvelBench::fixed(baseline / 1e9) + " GB/s" + OrvelBench::faults(baselineResult) +
-                          " (plain table-driven loop)",
-                      OrvelBench::fixed(ours / baseline), ">= 1.4 GB/s and >= baseline",
-                      ours >= 1.4e9 && ours >= baseline);
-        }
+        for (const std::string operation : {"Encode", "Decode"})
+            for (const long size : kSizes) {
+                std::string suffix = "/";
+                suffix += std::to_string(size);
+                suffix += '/';
+                const auto &oursResult = OrvelBench::find(results, operation + "_Ours" + suffix);
+                const auto &baselineResult = OrvelBench::find(results, operation + "_Baseline" + suffix);
+                const double ours = oursResult.counter("bytes_per_second");
+                const double baseline = baselineResult.counter("bytes_per_second");
+                // Only the large size has a speed of its own to meet; small
+                // ones must merely not lose to the plain loop.
+                const bool large = size == static_cast<long>(kLargest);
+                std::string what = "Util::Base64" + operation + ", " + sizeName(size) + " vs a plain table-driven loop";
+                table.row(what, OrvelBench::fixed(ours / 1e9) + " GB/s" + OrvelBench::faults(oursResult),
+                          OrvelBench::fixed(baseline / 1e9) + " GB/s" + OrvelBench::faults(baselineResult),
+                          OrvelBench::fixed(ours / baseline), large ? ">= 1.4 GB/s and >= baseline" : ">= baseline",
+                          ours >= baseline && (!large || ours >= 1.4e9));
+            }
     });
 }

@@ -9,7 +9,7 @@
 
 extern char **environ;
 
-long orvel_spawn_round_trip(const char *path, char *const argv[], char *buffer, size_t capacity)
+static long roundTrip(const char *path, char *const argv[], char *buffer, size_t capacity, int newSession)
 {
     int input[2], output[2];
     if (pipe2(input, O_CLOEXEC) != 0)
@@ -23,8 +23,13 @@ long orvel_spawn_round_trip(const char *path, char *const argv[], char *buffer, 
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input[0], STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, output[1], STDOUT_FILENO);
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    if (newSession)
+        posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
     pid_t pid = -1;
-    const int error = posix_spawn(&pid, path, &actions, NULL, argv, environ);
+    const int error = posix_spawn(&pid, path, &actions, &attributes, argv, environ);
+    posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     close(input[0]);
     close(output[1]);
@@ -46,4 +51,14 @@ long orvel_spawn_round_trip(const char *path, char *const argv[], char *buffer, 
         }
     }
     return total;
+}
+
+long orvel_spawn_round_trip(const char *path, char *const argv[], char *buffer, size_t capacity)
+{
+    return roundTrip(path, argv, buffer, capacity, 0);
+}
+
+long orvel_spawn_round_trip_without_terminal(const char *path, char *const argv[], char *buffer, size_t capacity)
+{
+    return roundTrip(path, argv, buffer, capacity, 1);
 }

@@ -13,6 +13,10 @@ extern "C" {
  * output beyond it wraps to the start). The number of bytes read, or -1. */
 long orvel_spawn_round_trip(const char *path, char *const argv[], char *buffer, size_t capacity);
 
+/* The same with the program in a session of its own, so without a
+ * controlling terminal. */
+long orvel_spawn_round_trip_without_terminal(const char *path, char *const argv[], char *buffer, size_t capacity);
+
 #ifdef __cplusplus
 }
 #endif

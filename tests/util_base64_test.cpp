@@ -65,6 +65,26 @@ TEST(UtilBase64, RoundTripsEveryByteValue)
     }
 }
 
+// Long texts take the wide (vector) paths; each short piece of them takes the
+// plain one, which the cases above pin down. Both must agree everywhere.
+TEST(UtilBase64, LongTextsAgreeWithTheirShortPieces)
+{
+    std::string bytes;
+    for (int i = 0; i < 3000; ++i)
+        bytes.push_back(static_cast<char>(i * 37 + i / 256));
+    const std::string text = encode(bytes);
+    for (size_t at = 0; at + 24 <= bytes.size(); at += 24)
+        ASSERT_EQ(text.substr(at / 3 * 4, 32), encode(bytes.substr(at, 24))) << "bytes from " << at;
+    EXPECT_EQ(Util::Base64Decode(text), bytes);
+    // A byte outside the alphabet anywhere ends decoding right there.
+    for (const size_t stop : {size_t{0}, size_t{5}, size_t{31}, size_t{64}, size_t{100}, size_t{1001}, text.size() - 1})
+        for (const char bad : {'=', '\n', '-', '\x80'}) {
+            std::string broken = text;
+            broken[stop] = bad;
+            ASSERT_EQ(Util::Base64Decode(broken), Util::Base64Decode(text.substr(0, stop))) << stop << " " << bad;
+        }
+}
+
 TEST(UtilBase64, IsBase64AcceptsExactlyTheAlphabetInThePosixLocale)
 {
     std::setlocale(LC_ALL, "C");

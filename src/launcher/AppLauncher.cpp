@@ -200,10 +200,12 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         logMsg("log z GUI aplikace je prazdný");
         return 0;
     }
-    // Decoded straight into the log: a log section of many MiB is not copied
-    // on its way there.
-    OrvelDialogs::State::logEntryInPlace([&](std::string &log) {
-        log.append("log z GUI aplikace: ");
+    // Decoded straight into the log, into room made for it beforehand: a log
+    // section of many MiB is not copied on its way there.
+    constexpr std::string_view kPrefix = "log z GUI aplikace: ";
+    const size_t expected = kPrefix.size() + token.size() / 4 * 3 + 2 + 2;
+    OrvelDialogs::State::logEntryInPlace(expected, [&](std::string &log) {
+        log.append(kPrefix);
         const size_t textStart = log.size();
         OrvelDialogs::Base64::appendUtilDecoded(token, log);
         const auto zero = log.find('\0', textStart);

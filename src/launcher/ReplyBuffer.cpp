@@ -1,5 +1,7 @@
 #include "launcher/ReplyBuffer.hpp"
 
+#include "util/LargeBuffer.hpp"
+
 #include <utility>
 
 namespace OrvelDialogs::Launcher {
@@ -8,27 +10,42 @@ namespace {
 // A reply beyond this is rare enough that keeping its memory for good costs
 // more than faulting it in again.
 constexpr size_t kMaximumKeptRoom = 128u << 20;
+// Large replies tend to come in runs (a host exporting its log, a tool
+// answering in bulk). After this many dialogs in a row without one the kept
+// room goes back to the system: a host that is done with them should not
+// hold their memory for good.
+constexpr unsigned kIdleDialogs = 8;
 
-std::string &keptBuffer()
+struct Kept {
+    std::string room;
+    unsigned dialogsSinceLargeReply = 0;
+};
+
+Kept &kept()
 {
-    static std::string kept;
-    return kept;
+    static Kept state;
+    return state;
 }
 
 } // namespace
 
 std::string takeReplyBuffer()
 {
-    return std::exchange(keptBuffer(), std::string());
+    Kept &state = kept();
+    if (++state.dialogsSinceLargeReply > kIdleDialogs)
+        std::string().swap(state.room);
+    return std::exchange(state.room, std::string());
 }
 
 void keepReplyBuffer(std::string &&buffer)
 {
-    std::string &kept = keptBuffer();
-    if (buffer.capacity() <= kept.capacity() || buffer.capacity() > kMaximumKeptRoom)
+    Kept &state = kept();
+    if (buffer.size() >= LargeBuffer::kLargeBytes)
+        state.dialogsSinceLargeReply = 0;
+    if (buffer.capacity() <= state.room.capacity() || buffer.capacity() > kMaximumKeptRoom)
         return;
     buffer.clear();
-    kept = std::move(buffer);
+    state.room = std::move(buffer);
 }
 
 } // namespace OrvelDialogs::Launcher

@@ -1,6 +1,7 @@
 #include "platform/FileHandle.hpp"
 
 #include "platform/PlatformException.hpp"
+#include "util/LargeBuffer.hpp"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -137,10 +138,9 @@ FileHandle::ReadResult FileHandle::readAvailable(std::string *sink)
     if (sink != nullptr && queued > 0) {
         const size_t oldSize = sink->size();
         const size_t wanted = static_cast<size_t>(queued);
-        if (sink->capacity() < oldSize + wanted)
-            sink->reserve(std::max(oldSize + wanted, sink->capacity() * 2));
-        sink->resize(oldSize + wanted);
-        n = retryOnInterrupt([&] { return ::read(fd_.get(), sink->data() + oldSize, wanted); });
+        // A large reply's room comes in huge pages and is not zero-filled.
+        char *room = LargeBuffer::extendUninitialized(*sink, oldSize + wanted);
+        n = retryOnInterrupt([&] { return ::read(fd_.get(), room, wanted); });
         sink->resize(oldSize + static_cast<size_t>(std::max<ssize_t>(n, 0)));
     } else {
         // Nothing reported: the end of the stream, output to throw away, or

@@ -4,22 +4,39 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "state/Log.hpp"
+#include "util/LargeBuffer.hpp"
 
-void logMsg(const std::string &message)
-{
-    if (!g_logBuffer)
-        g_logBuffer.emplace();
-    g_logBuffer->append(message);
-    g_logBuffer->push_back('\n');
-}
+namespace {
 
-namespace OrvelDialogs::State {
+// The log only grows, and each growth copies all of it: its room grows
+// fourfold, so that a long-lived host's log of many MiB is copied (and its
+// copy faulted in) seldom. Room not yet written costs address space only.
+constexpr size_t kLogGrowth = 4;
 
-void logEntryInPlace(const std::function<void(std::string &)> &write)
+// The log with room for `bytes` more, in huge pages once it is large.
+std::string &logWithRoomFor(size_t bytes)
 {
     if (!g_logBuffer)
         g_logBuffer.emplace();
     std::string &log = *g_logBuffer;
+    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes, kLogGrowth);
+    return log;
+}
+
+} // namespace
+
+void logMsg(const std::string &message)
+{
+    std::string &log = logWithRoomFor(message.size() + 1);
+    log.append(message);
+    log.push_back('\n');
+}
+
+namespace OrvelDialogs::State {
+
+void logEntryInPlace(size_t expectedBytes, const std::function<void(std::string &)> &write)
+{
+    std::string &log = logWithRoomFor(expectedBytes + 1);
     const size_t entryStart = log.size();
     try {
         write(log);

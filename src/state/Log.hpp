@@ -2,14 +2,16 @@
 // built apart and then copied (a GUI log of many MiB).
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
 namespace OrvelDialogs::State {
 
 // The log append with the message written by `write`, which appends it to
-// the string it is handed (the log). If `write` raises, the log is left as
-// it was and the exception passes.
-void logEntryInPlace(const std::function<void(std::string &)> &write);
+// the string it is handed (the log), with room made beforehand for about
+// `expectedBytes`. If `write` raises, the log is left as it was and the
+// exception passes.
+void logEntryInPlace(size_t expectedBytes, const std::function<void(std::string &)> &write);
 
 } // namespace OrvelDialogs::State

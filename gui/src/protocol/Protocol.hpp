@@ -104,7 +104,7 @@ bool writeReply(const std::string &reply);
 
 // Strict Base64 (standard alphabet, "=" padding, length a multiple of four);
 // nothing on text that is not.
-std::optional<std::string> decodeBase64Strict(std::string_view text);
+std::optional<std::string> decodeBase64Strict(const std::string &text);
 std::string encodeBase64(std::string_view bytes);
 
 enum class ReinsertCommand { Insert, Remove, Close };
