@@ -1,14 +1,11 @@
 #include "FrontEndChoice.hpp"
 
+#include "PlugIns.hpp"
+
 #include "desktop/DesktopSession.hpp"
 #include "terminal/TerminalFrontEnd.hpp"
 
 #include <dlfcn.h>
-#include <limits.h>
-#include <unistd.h>
-#ifdef __APPLE__
-#include <mach-o/dyld.h>
-#endif
 
 #include <cstdlib>
 #include <cstring>
@@ -39,23 +36,6 @@ bool desktopWanted(GuiLog &log)
 #endif
 }
 
-std::string executableFolder()
-{
-    char path[PATH_MAX + 1] = {};
-#ifdef __APPLE__
-    uint32_t size = PATH_MAX;
-    if (_NSGetExecutablePath(path, &size) != 0)
-        return {};
-#else
-    const ssize_t n = ::readlink("/proc/self/exe", path, PATH_MAX);
-    if (n <= 0)
-        return {};
-    path[n] = '\0';
-#endif
-    std::string folder(path);
-    return folder.substr(0, folder.rfind('/'));
-}
-
 } // namespace
 
 struct FrontEndChoice::Impl {
@@ -68,13 +48,10 @@ FrontEndChoice::FrontEndChoice(GuiLog &log) : impl_(std::make_unique<Impl>(log))
 {
     if (!desktopWanted(log))
         return;
-    // The module sits in the bundle's PlugIns folder, beside MacOS.
-    const std::string module = executableFolder() + "/../PlugIns/" ORVEL_GUI_DESKTOP_MODULE;
-    // Never unloaded: Qt keeps threads and handlers that outlive its objects.
-    void *handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
+    std::string error;
+    void *handle = openPlugIn(ORVEL_GUI_DESKTOP_MODULE, error);
     if (!handle) {
-        const char *error = dlerror();
-        log.add(std::string("Desktop front end unavailable (") + (error ? error : module) + "); using the terminal.");
+        log.add("Desktop front end unavailable (" + error + "); using the terminal.");
         return;
     }
     const auto open = reinterpret_cast<OpenDesktopSession>(dlsym(handle, kOpenDesktopSession));
