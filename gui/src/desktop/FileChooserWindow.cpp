@@ -12,28 +12,20 @@ namespace OrvelGui {
 QStringList qtNameFilters(const std::string &filterText)
 {
     QStringList filters;
-    std::size_t start = 0;
-    while (start <= filterText.size()) {
-        std::size_t bar = filterText.find('|', start);
-        if (bar == std::string::npos)
-            bar = filterText.size();
-        const std::string entry = filterText.substr(start, bar - start);
-        start = bar + 1;
-        const std::vector<std::string> patterns = filterPatterns(entry);
-        if (patterns.empty()) {
-            if (entry.find('(') != std::string::npos && entry.find_first_of("*") != std::string::npos)
-                return {}; // an entry for all files: no filter at all
+    for (const FilterEntry &entry : filterEntries(filterText)) {
+        if (entry.allFiles)
+            return {}; // an entry for every file: no filter at all
+        if (entry.patterns.empty())
             continue;
-        }
         QStringList globs;
-        for (std::string pattern : patterns) {
+        for (std::string pattern : entry.patterns) {
             if (pattern.starts_with("*."))
                 pattern.erase(0, 2);
             else if (pattern.starts_with("."))
                 pattern.erase(0, 1);
             globs << QStringLiteral("*.") + qs(pattern);
         }
-        QString name = qs(entry.substr(0, entry.find('('))).trimmed();
+        QString name = qs(entry.name).trimmed();
         if (name.isEmpty())
             name = globs.join(QLatin1Char(' '));
         filters << name + QStringLiteral(" (") + globs.join(QLatin1Char(' ')) + QLatin1Char(')');

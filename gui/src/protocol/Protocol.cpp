@@ -259,22 +259,37 @@ void addToken(std::string &reply, const std::string &token)
     reply.append(token);
 }
 
-// Walks the filter text's entries; `patterns` gets the pattern lists of the
-// entries that have one. True when one of them says "every file".
+// The pattern lists of the entries that have one; true when one of them
+// says "every file".
 bool readFilter(const std::string &filterText, std::vector<std::string> &patterns)
 {
+    for (const FilterEntry &entry : filterEntries(filterText)) {
+        if (entry.allFiles)
+            return true;
+        patterns.insert(patterns.end(), entry.patterns.begin(), entry.patterns.end());
+    }
+    return false;
+}
+
+} // namespace
+
+std::vector<FilterEntry> filterEntries(const std::string &filterText)
+{
+    std::vector<FilterEntry> entries;
     std::size_t start = 0;
     while (start <= filterText.size()) {
         std::size_t bar = filterText.find('|', start);
         if (bar == std::string::npos)
             bar = filterText.size();
-        const std::string entry = filterText.substr(start, bar - start);
+        const std::string text = filterText.substr(start, bar - start);
         start = bar + 1;
-        const std::size_t open = entry.find_first_of("()");
+        const std::size_t open = text.find_first_of("()");
         if (open == std::string::npos)
             continue;
-        const std::size_t close = entry.find_first_of("()", open + 1);
-        const std::string list = entry.substr(open + 1, close == std::string::npos ? std::string::npos : close - open - 1);
+        FilterEntry entry;
+        entry.name = text.substr(0, open);
+        const std::size_t close = text.find_first_of("()", open + 1);
+        const std::string list = text.substr(open + 1, close == std::string::npos ? std::string::npos : close - open - 1);
         std::size_t p = 0;
         while (p <= list.size()) {
             std::size_t comma = list.find(',', p);
@@ -285,15 +300,14 @@ bool readFilter(const std::string &filterText, std::vector<std::string> &pattern
             const auto first = pattern.find_first_not_of(' ');
             pattern = first == std::string::npos ? "" : pattern.substr(first, pattern.find_last_not_of(' ') - first + 1);
             if (pattern == "*" || pattern == "*.*")
-                return true;
-            if (!pattern.empty())
-                patterns.push_back(pattern);
+                entry.allFiles = true;
+            else if (!pattern.empty())
+                entry.patterns.push_back(pattern);
         }
+        entries.push_back(std::move(entry));
     }
-    return false;
+    return entries;
 }
-
-} // namespace
 
 Language languageFromEnvironment()
 {

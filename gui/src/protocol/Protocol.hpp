@@ -142,6 +142,17 @@ private:
     bool ended_ = false;
 };
 
+// One entry of a filter text: "Documents (pdf,doc)" has the name
+// "Documents " and the patterns "pdf" and "doc"; "*" or "*.*" among them
+// means every file.
+struct FilterEntry {
+    std::string name;
+    std::vector<std::string> patterns;
+    bool allFiles = false;
+};
+// The entries with a pattern list, in order.
+std::vector<FilterEntry> filterEntries(const std::string &filterText);
+
 // The file patterns of a filter text such as "Documents (pdf,doc)|Text (txt)";
 // empty when every file fits ("*", no text, or nothing usable).
 std::vector<std::string> filterPatterns(const std::string &filterText);
