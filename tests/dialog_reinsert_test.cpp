@@ -89,10 +89,6 @@ TEST_F(ReinsertCard, ALauncherThatCannotTakeCommandsGivesSevenAndTheHostLives)
         void (*prepare)();
     };
     const Step steps[] = {
-        {"the notice has exited", [] {
-             ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-             ASSERT_TRUE(waitForChildrenToExit());
-         }},
         {"the notice was closed", [] {
              ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
              ASSERT_EQ(ORV_ReinsertCardClose(), 0);

@@ -8,15 +8,23 @@
 #include "support/ProcessCensus.hpp"
 #include "support/TempDir.hpp"
 
+#include <fcntl.h>
+#include <plist/plist.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <memory>
 #include <functional>
+#include <optional>
+#include <vector>
+#include <thread>
 
 using OrvelTest::FakeGui;
 using OrvelTest::replyWithLog;
@@ -29,6 +37,44 @@ const std::string kLostStatusEntry =
 std::string droppedCommandsEntry(size_t bytes)
 {
     return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
+}
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kAddressSanitizer = true;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kAddressSanitizer = true;
+#else
+constexpr bool kAddressSanitizer = false;
+#endif
+#else
+constexpr bool kAddressSanitizer = false;
+#endif
+
+// `depth` arrays, each inside the one before, as XML or binary.
+std::string nestedArrays(int depth, bool binary)
+{
+    plist_t root = plist_new_array();
+    for (plist_t inner = root; --depth > 0;) {
+        plist_t next = plist_new_array();
+        plist_array_append_item(inner, next);
+        inner = next;
+    }
+    char *bytes = nullptr;
+    uint32_t length = 0;
+    binary ? plist_to_bin(root, &bytes, &length) : plist_to_xml(root, &bytes, &length);
+    std::string document(bytes, length);
+    free(bytes);
+    plist_free(root);
+    return document;
+}
+
+// Waits (bounded) until every child of the test has exited.
+bool childrenHaveExited()
+{
+    for (int i = 0; i < 500 && OrvelTest::childProcessCount() != OrvelTest::zombieChildCount(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return OrvelTest::childProcessCount() == OrvelTest::zombieChildCount();
 }
 
 // Ends the test process instead of letting a call that blocks hang the run.
@@ -126,6 +172,26 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
          7, "no application bundle with an executable", false},
         {"a folder without an executable", [&] { return makeDir("Empty.app"); }, [](FakeGui &) {}, 7,
          "no application bundle with an executable", false},
+        {"an Info.plist of more than 1 MiB",
+         [&] {
+             makeDir("Big.app");
+             makeFile("Big.app/Info.plist", "<plist><dict><key>CFBundleExecutable</key><string>" +
+                                                std::string(1u << 20, 'x') + "</string></dict></plist>", 0644);
+             return scratch_ + "/Big.app";
+         },
+         [](FakeGui &) {}, 7, "Info.plist is refused: larger than 1048576 bytes", false},
+        {"an Info.plist nested 40 deep", [&] {
+             makeDir("Deep.app");
+             makeFile("Deep.app/Info.plist", nestedArrays(40, false), 0644);
+             return scratch_ + "/Deep.app";
+         },
+         [](FakeGui &) {}, 7, "Info.plist is refused: nested deeper than 32 levels", false},
+        {"a binary Info.plist nested 40 deep", [&] {
+             makeDir("DeepBinary.app");
+             makeFile("DeepBinary.app/Info.plist", nestedArrays(40, true), 0644);
+             return scratch_ + "/DeepBinary.app";
+         },
+         [](FakeGui &) {}, 7, "Info.plist is refused: nested deeper than 32 levels", false},
         {"dies by a signal", fake, [&](FakeGui &gui) { gui.reply(hello).dieBySignal(SIGKILL); }, 7,
          "Unknown error code number occured:137\n", false},
         {"exits with 9", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(9); }, 7,
@@ -135,8 +201,8 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         {"writes invalid UTF-8", fake,
          [](FakeGui &gui) { gui.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
          "Chybná odpověď od YesNoDialog okna.\n", false},
-        {"writes 256 MiB", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); }, 0,
-         "log z GUI aplikace: hello \n", true},
+        {"writes past the 256 MiB output limit", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); },
+         7, "output limit of 268435456 bytes", false},
         // The end of its output is not its exit: the status still counts.
         {"closes its stdout early and runs on", fake,
          [&](FakeGui &gui) { gui.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
@@ -256,6 +322,193 @@ TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
     EXPECT_GT(interruptions->count(), 20);
     interruptions.reset();
     expectHostGoesOn("after the interruptions");
+}
+
+TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
+{
+    signal(SIGPIPE, SIG_DFL);
+    const Watchdog watchdog(60);
+    const std::string gate = scratch_ + "/gate";
+    struct Case {
+        const char *what;
+        std::function<void(FakeGui &)> script;
+        std::function<long()> run;
+        long result;
+        // Only where it does not depend on timing.
+        std::optional<std::string> log;
+    };
+    const Case cases[] = {
+        {"a modal dialog", [](FakeGui &g) { g.reply(replyWithLog("MessageBox")); },
+         [] { return ORV_MessageBox("m", nullptr, 0); }, 0, "log z GUI aplikace: hello \n\n"},
+        // The first notice reads its input to the end: it ends once the
+        // library lets go of it.
+        {"a notice replaced while it runs", [](FakeGui &g) { g.readStdin(); },
+         [] { return ORV_ReinsertCardShow("first") + ORV_ReinsertCardShow("second") + ORV_ReinsertCardClose(); }, 0,
+         ""},
+        {"close after the notice ended by itself", [](FakeGui &g) { g.exitStatus(2); },
+         [] {
+             EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
+             EXPECT_TRUE(childrenHaveExited());
+             return ORV_ReinsertCardClose();
+         },
+         2, droppedCommandsEntry(18) + "\n"},
+        {"close while the notice ends by itself", [&](FakeGui &g) { g.gate(gate).sleepMs(5).exitStatus(2); },
+         [&] {
+             EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
+             std::ofstream(gate).put('\n');
+             return ORV_ReinsertCardClose();
+         },
+         2, std::nullopt},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        c.script(gui.clear());
+        EXPECT_EQ(c.run(), c.result);
+        // Right when the call returns, before any other call could tidy up.
+        EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_);
+        if (c.log) {
+            EXPECT_EQ(newLog(), *c.log);
+        }
+        unlink(gate.c_str());
+        ASSERT_TRUE(childrenHaveExited());
+        expectHostGoesOn(c.what);
+    }
+}
+
+TEST_F(Faults, OutputAndGuiLogStayWithinTheOutputLimit)
+{
+    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
+    ASSERT_EQ(ORV_SetOutputLimit(4000), 0);
+    const std::string yes = replyWithLog("YesNoDialog yes");
+    const std::string limitEntry = "output limit of 4000 bytes";
+    const std::string cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
+    struct Case {
+        const char *what;
+        std::function<void(FakeGui &)> script;
+        long result;
+        std::string entry;
+        bool cut;
+    };
+    const Case cases[] = {
+        {"exactly the limit", [&](FakeGui &g) { g.reply(yes).fill(4000 - yes.size(), ' '); }, 0,
+         "log z GUI aplikace: hello \n", false},
+        {"one byte past it", [&](FakeGui &g) { g.reply(yes).fill(4001 - yes.size(), ' '); }, 7, limitEntry, false},
+        {"far past it, still writing", [&](FakeGui &g) { g.reply(yes + " ").fill(64u << 20).sleepMs(30000); }, 7,
+         limitEntry, false},
+        {"a GUI log of a quarter of it",
+         [&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(999, 'L'))); }, 0,
+         "log z GUI aplikace: " + std::string(999, 'L') + " \n\n", false},
+        {"a longer GUI log",
+         [&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(1500, 'L')) + "\n"); }, 0,
+         "log z GUI aplikace: " + std::string(999, 'L') + " \n\n" + cutEntry, true},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.what);
+        c.script(gui.clear());
+        bool answer = false;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
+        // The child that went on writing was killed, not waited for.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 300);
+        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.cut);
+        EXPECT_EQ(OrvelTest::childProcessCount(), 0);
+    }
+}
+
+TEST_F(Faults, RunningOutOfMemoryGivesSevenInsteadOfEndingTheHost)
+{
+    if (kAddressSanitizer)
+        GTEST_SKIP() << "AddressSanitizer reserves far more address space than the limit leaves";
+    ASSERT_EQ(ORV_SetOutputLimit(4ull << 30), 0);
+    const long long virtualBytes = [] {
+        std::ifstream status("/proc/self/status");
+        for (std::string line; std::getline(status, line);)
+            if (line.rfind("VmSize:", 0) == 0)
+                return std::stoll(line.substr(7)) * 1024;
+        return 0ll;
+    }();
+    gui.reply("YesNoDialog yes ").fill(1u << 30);
+    rlimit previous{};
+    getrlimit(RLIMIT_AS, &previous);
+    const rlimit low{static_cast<rlim_t>(virtualBytes + (384ll << 20)), previous.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &low), 0);
+    bool answer = false;
+    const long result = ORV_YesNoDialog("m", nullptr, 0, &answer);
+    setrlimit(RLIMIT_AS, &previous);
+    EXPECT_EQ(result, 7);
+    EXPECT_EQ(newLog().rfind("Exception occured:\nout of memory (std::bad_alloc)\n", 0), 0u);
+    ASSERT_TRUE(childrenHaveExited());
+    expectHostGoesOn("after running out of memory");
+}
+
+TEST_F(Faults, TooManyOpenFilesIsNamedInTheLog)
+{
+    rlimit previous{};
+    getrlimit(RLIMIT_NOFILE, &previous);
+    const rlimit low{static_cast<rlim_t>(descriptors_ + 8), previous.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &low), 0);
+    std::vector<int> filler;
+    for (int fd; (fd = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;)
+        filler.push_back(fd);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 7);
+    for (const int fd : filler)
+        close(fd);
+    setrlimit(RLIMIT_NOFILE, &previous);
+    const std::string log = newLog();
+    EXPECT_TRUE(OrvelTest::isExceptionEntry(log));
+    EXPECT_NE(log.find("Too many open files"), std::string::npos) << log;
+    expectHostGoesOn("with descriptors again");
+}
+
+TEST_F(Faults, AHostsOwnSigchldReaperTakesNoStatusFromThisThread)
+{
+    // A server's handler that reaps whatever child has ended.
+    struct sigaction reaper{};
+    reaper.sa_handler = [](int) {
+        const int saved = errno;
+        while (waitpid(-1, nullptr, WNOHANG) > 0) {
+        }
+        errno = saved;
+    };
+    sigemptyset(&reaper.sa_mask);
+    sigaction(SIGCHLD, &reaper, nullptr);
+    gui.reply(replyWithLog("YesNoDialog yes")).sleepMs(50).exitStatus(3);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 3);
+    gui.clear().readStdin().exitStatus(5);
+    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 5);
+    signal(SIGCHLD, SIG_DFL);
+    newLog();
+
+    // Another thread that waits for any child may win the race: then the
+    // log says so and the result is 7, never a status made up.
+    std::atomic<bool> done{false};
+    std::atomic<pid_t> taken{0};
+    std::thread waiter([&] {
+        while (!done && taken == 0) {
+            const pid_t pid = waitpid(-1, nullptr, 0);
+            if (pid > 0)
+                taken = pid;
+            else
+                std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
+    gui.clear().reply(replyWithLog("YesNoDialog yes")).sleepMs(100).exitStatus(3);
+    const long result = ORV_YesNoDialog("m", nullptr, 0, &answer);
+    done = true;
+    waiter.join();
+    const std::string log = newLog();
+    if (taken != 0) {
+        EXPECT_EQ(result, 7);
+        EXPECT_NE(log.find("převzal jiný waitpid() hostitele"), std::string::npos) << log;
+    } else {
+        EXPECT_EQ(result, 3);
+    }
+    expectHostGoesOn("after the reapers");
 }
 
 } // namespace

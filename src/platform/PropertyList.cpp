@@ -31,6 +31,25 @@ PropertyList propertyListFromBytes(std::string_view bytes)
     return PropertyList(root);
 }
 
+plist_t newXmlSafeString(std::string_view text)
+{
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    std::string safe;
+    safe.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') {
+            safe += kReplacement;
+        } else if (text.substr(i, 3) == "\xEF\xBF\xBE" || text.substr(i, 3) == "\xEF\xBF\xBF") {
+            safe += kReplacement;
+            i += 2;
+        } else {
+            safe.push_back(text[i]);
+        }
+    }
+    return plist_new_string(safe.c_str());
+}
+
 std::optional<std::string_view> stringValue(plist_t node)
 {
     if (node == nullptr || plist_get_node_type(node) != PLIST_STRING)

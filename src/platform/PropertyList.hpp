@@ -38,6 +38,12 @@ std::string_view propertyListToXml(plist_t root, XmlBuffer &storage);
 // the bytes hold none (or are too long for libplist's 32-bit lengths).
 PropertyList propertyListFromBytes(std::string_view bytes);
 
+// A new string node for the UTF-8 `text`. Characters that XML 1.0 cannot
+// carry (C0 controls but tab, line feed and carriage return; U+FFFE, U+FFFF)
+// become U+FFFD: the document then stays well-formed for every XML reader,
+// where refusing it would let one odd text make a whole list unusable.
+plist_t newXmlSafeString(std::string_view text);
+
 // The bytes of a string node, or none for a null node or one of another type.
 std::optional<std::string_view> stringValue(plist_t node);
 

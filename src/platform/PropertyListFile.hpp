@@ -8,8 +8,9 @@
 namespace OrvelDialogs::Platform {
 
 // The string stored under `key` in the top-level dictionary of the property
-// list at `path`; no value if the file cannot be read or parsed, or holds no
-// such string.
+// list at `path`; no value if the file is missing or cannot be parsed, or
+// holds no such string. Raises the platform exception, saying why, when it
+// cannot be opened or read, or is too large or nested too deep to parse.
 std::optional<std::string> readStringFromPropertyListFile(const std::string &path, const std::string &key);
 
 } // namespace OrvelDialogs::Platform

@@ -1,0 +1,22 @@
+// What an Info.plist may be before libplist sees it. A real one is a few KiB
+// and a few levels deep; libplist reads and frees nested containers
+// recursively, so a deep one would overflow the host's stack, and it reads a
+// document whole, so a huge one would fill the host's memory.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace OrvelDialogs::Platform {
+
+inline constexpr size_t kPropertyListMaximumBytes = 1u << 20;
+inline constexpr size_t kPropertyListMaximumNesting = 32;
+
+// Why `bytes` are refused (too large, nested too deep, or a binary property
+// list whose containers refer back to themselves), or no value when libplist
+// may read them. XML nesting counts elements; binary nesting, containers.
+std::optional<std::string> propertyListRefusal(std::string_view bytes);
+
+} // namespace OrvelDialogs::Platform
