@@ -1,5 +1,7 @@
 #include "platform/PropertyList.hpp"
 
+#include "platform/PropertyListBounds.hpp"
+
 #include <cstdint>
 #include <limits>
 
@@ -25,6 +27,10 @@ std::string propertyListToXml(plist_t root)
 PropertyList propertyListFromBytes(std::string_view bytes)
 {
     if (bytes.empty() || bytes.size() > std::numeric_limits<uint32_t>::max())
+        return nullptr;
+    // libplist reads and frees nested containers recursively: a document
+    // nested deep enough would overflow the stack.
+    if (nestingRefusal(bytes))
         return nullptr;
     plist_t root = nullptr;
     plist_from_memory(bytes.data(), static_cast<uint32_t>(bytes.size()), &root);

@@ -35,7 +35,8 @@ using XmlBuffer = std::unique_ptr<char, XmlBufferDeleter>;
 std::string_view propertyListToXml(plist_t root, XmlBuffer &storage);
 
 // The property list held in `bytes`, in any format libplist reads; null when
-// the bytes hold none (or are too long for libplist's 32-bit lengths).
+// the bytes hold none, are too long for libplist's 32-bit lengths, or are
+// refused for their nesting (PropertyListBounds.hpp).
 PropertyList propertyListFromBytes(std::string_view bytes);
 
 // A new string node for the UTF-8 `text`. Characters that XML 1.0 cannot

@@ -188,10 +188,15 @@ private:
 
 } // namespace
 
-std::optional<std::string> propertyListRefusal(std::string_view bytes)
+std::optional<std::string> infoPlistRefusal(std::string_view bytes)
 {
     if (bytes.size() > kPropertyListMaximumBytes)
         return "larger than " + std::to_string(kPropertyListMaximumBytes) + " bytes";
+    return nestingRefusal(bytes);
+}
+
+std::optional<std::string> nestingRefusal(std::string_view bytes)
+{
     if (bytes.starts_with("bplist"))
         return BinaryPropertyList(bytes).refusal();
     if (xmlNesting(bytes) > kPropertyListMaximumNesting)

@@ -14,9 +14,12 @@ namespace OrvelDialogs::Platform {
 inline constexpr size_t kPropertyListMaximumBytes = 1u << 20;
 inline constexpr size_t kPropertyListMaximumNesting = 32;
 
-// Why `bytes` are refused (too large, nested too deep, or a binary property
-// list whose containers refer back to themselves), or no value when libplist
-// may read them. XML nesting counts elements; binary nesting, containers.
-std::optional<std::string> propertyListRefusal(std::string_view bytes);
+// Why libplist must not read `bytes` (nested too deep, or a binary property
+// list that is malformed or whose containers hold themselves), or no value.
+// XML nesting counts elements; binary nesting, objects.
+std::optional<std::string> nestingRefusal(std::string_view bytes);
+
+// The same, and too large for an Info.plist.
+std::optional<std::string> infoPlistRefusal(std::string_view bytes);
 
 } // namespace OrvelDialogs::Platform

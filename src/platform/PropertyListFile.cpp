@@ -39,20 +39,26 @@ std::optional<std::string> readBounded(const std::string &path)
 
 } // namespace
 
-std::optional<std::string> readStringFromPropertyListFile(const std::string &path, const std::string &key)
+std::optional<std::string> stringFromInfoPlist(std::string_view bytes, const std::string &key,
+                                              const std::string &name)
 {
-    const auto bytes = readBounded(path);
-    if (!bytes)
-        return std::nullopt;
-    if (const auto refusal = propertyListRefusal(*bytes))
-        throw PlatformException(path + " is refused: " + *refusal);
-    const PropertyList root = propertyListFromBytes(*bytes);
+    if (const auto refusal = infoPlistRefusal(bytes))
+        throw PlatformException(name + " is refused: " + *refusal);
+    const PropertyList root = propertyListFromBytes(bytes);
     if (!root || plist_get_node_type(root.get()) != PLIST_DICT)
         return std::nullopt;
     const auto value = stringValue(plist_dict_get_item(root.get(), key.c_str()));
     if (!value)
         return std::nullopt;
     return std::string(*value);
+}
+
+std::optional<std::string> readStringFromPropertyListFile(const std::string &path, const std::string &key)
+{
+    const auto bytes = readBounded(path);
+    if (!bytes)
+        return std::nullopt;
+    return stringFromInfoPlist(*bytes, key, path);
 }
 
 } // namespace OrvelDialogs::Platform
