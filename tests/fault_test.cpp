@@ -6,6 +6,7 @@
 #include "support/DialogFixture.hpp"
 #include "support/Interruptions.hpp"
 #include "support/ProcessCensus.hpp"
+#include "support/Sanitizers.hpp"
 #include "support/TempDir.hpp"
 
 #include <fcntl.h>
@@ -39,17 +40,7 @@ std::string droppedCommandsEntry(size_t bytes)
     return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
 }
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kAddressSanitizer = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kAddressSanitizer = true;
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
+using OrvelTest::kAddressSanitizer;
 
 // `depth` arrays, each inside the one before, as XML or binary.
 std::string nestedArrays(int depth, bool binary)

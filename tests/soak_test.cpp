@@ -6,6 +6,7 @@
 
 #include "support/DialogFixture.hpp"
 #include "support/ProcessCensus.hpp"
+#include "support/Sanitizers.hpp"
 #include "support/TempDir.hpp"
 
 #include <signal.h>
@@ -22,17 +23,7 @@ using OrvelTest::replyWithLog;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kAddressSanitizer = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kAddressSanitizer = true;
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
+using OrvelTest::kAddressSanitizer;
 
 // Anonymous resident memory of this process in bytes: the heap, not the
 // mapped files whose pages come and go.
