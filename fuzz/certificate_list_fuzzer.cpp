@@ -25,10 +25,10 @@ bool same(const Certificate &a, const Certificate &b)
 }
 
 // Texts that the list's XML carries unchanged: no zero byte (a C string
-// ends there) and none of the control characters that XML 1.0 cannot hold.
+// ends there) and none of the characters that XML 1.0 cannot hold.
 bool xmlCarries(const std::optional<std::string> &text)
 {
-    if (!text)
+    if (!text || text->find("\xEF\xBF\xBE") != std::string::npos || text->find("\xEF\xBF\xBF") != std::string::npos)
         return false;
     for (const char c : *text) {
         const auto byte = static_cast<unsigned char>(c);

@@ -157,6 +157,18 @@ TEST(CertificateList, PythonReadsTheListTextAsTheRecordsInOrder)
     EXPECT_NE(xml.find("R&amp;D &lt;dept"), std::string::npos);
 }
 
+TEST(CertificateList, CharactersXmlCannotCarryBecomeReplacementCharacters)
+{
+    // A strict reader (plistlib) must take the list; tab, line feed and
+    // carriage return stay, the rest becomes U+FFFD.
+    const std::string fffd = "\xEF\xBF\xBD";
+    const std::string text = listTextOf({{"z", "a\x01" "b\x1F\t\n\r", "c\xEF\xBF\xBE" "d\xEF\xBF\xBF", "\x7F\xEF\xBF\xBD", 1}});
+    const std::string out = python("inspect", text);
+    EXPECT_NE(out.find("subjectStr str " + hex("a" + fffd + "b" + fffd + "\t\n\n")), std::string::npos) << out;
+    EXPECT_NE(out.find("notAfterStr str " + hex("c" + fffd + "d" + fffd)), std::string::npos) << out;
+    EXPECT_NE(out.find("renewDeadlineStr str " + hex("\x7F" + fffd)), std::string::npos) << out;
+}
+
 TEST(CertificateList, DecodesBackToTheSameCertificatesEvenWhenWrapped)
 {
     const auto records = sampleRecords();

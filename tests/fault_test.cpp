@@ -6,17 +6,24 @@
 #include "support/DialogFixture.hpp"
 #include "support/Interruptions.hpp"
 #include "support/ProcessCensus.hpp"
+#include "support/Sanitizers.hpp"
 #include "support/TempDir.hpp"
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <fstream>
 #include <memory>
 #include <functional>
+#include <vector>
+#include <thread>
 
 using OrvelTest::FakeGui;
 using OrvelTest::replyWithLog;
@@ -29,6 +36,16 @@ const std::string kLostStatusEntry =
 std::string droppedCommandsEntry(size_t bytes)
 {
     return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
+}
+
+using OrvelTest::kAddressSanitizer;
+
+// Waits (bounded) until every child of the test has exited.
+bool childrenHaveExited()
+{
+    for (int i = 0; i < 500 && OrvelTest::childProcessCount() != OrvelTest::zombieChildCount(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return OrvelTest::childProcessCount() == OrvelTest::zombieChildCount();
 }
 
 // Ends the test process instead of letting a call that blocks hang the run.
@@ -83,6 +100,13 @@ protected:
         return path;
     }
 
+    std::string bundleWithInfoPlist(const std::string &bytes)
+    {
+        makeDir("Odd.app");
+        makeFile("Odd.app/Info.plist", bytes, 0644);
+        return scratch_ + "/Odd.app";
+    }
+
     // `count` switches alternating in a fixed pattern, and the bytes they send.
     static std::string sendSwitches(size_t count)
     {
@@ -126,6 +150,24 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
          7, "no application bundle with an executable", false},
         {"a folder without an executable", [&] { return makeDir("Empty.app"); }, [](FakeGui &) {}, 7,
          "no application bundle with an executable", false},
+        // Refused unread: larger than 1 MiB, or nested deeper than 32 levels.
+        {"a huge Info.plist", [&] { return bundleWithInfoPlist("<plist>" + std::string(1u << 20, ' ')); },
+         [](FakeGui &) {}, 7, "Info.plist is refused: larger than 1048576 bytes", false},
+        {"a deep Info.plist",
+         [&] {
+             std::string deep;
+             for (int i = 0; i < 40; ++i)
+                 deep += "<array>";
+             return bundleWithInfoPlist(deep);
+         },
+         [](FakeGui &) {}, 7,
+         "Info.plist is refused: nested deeper than 32 levels", false},
+        {"a deep binary Info.plist",
+         [&] {
+             std::ifstream deep(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40", std::ios::binary);
+             return bundleWithInfoPlist(std::string(std::istreambuf_iterator<char>(deep), {}));
+         },
+         [](FakeGui &) {}, 7, "Info.plist is refused: nested deeper than 32 levels", false},
         {"dies by a signal", fake, [&](FakeGui &gui) { gui.reply(hello).dieBySignal(SIGKILL); }, 7,
          "Unknown error code number occured:137\n", false},
         {"exits with 9", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(9); }, 7,
@@ -135,8 +177,8 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         {"writes invalid UTF-8", fake,
          [](FakeGui &gui) { gui.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
          "Chybná odpověď od YesNoDialog okna.\n", false},
-        {"writes 256 MiB", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); }, 0,
-         "log z GUI aplikace: hello \n", true},
+        {"writes past the 256 MiB output limit", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); },
+         7, "output limit of 268435456 bytes", false},
         // The end of its output is not its exit: the status still counts.
         {"closes its stdout early and runs on", fake,
          [&](FakeGui &gui) { gui.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
@@ -256,6 +298,152 @@ TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
     EXPECT_GT(interruptions->count(), 20);
     interruptions.reset();
     expectHostGoesOn("after the interruptions");
+}
+
+TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
+{
+    signal(SIGPIPE, SIG_DFL);
+    const Watchdog watchdog(60);
+    const std::string gate = scratch_ + "/gate";
+    // The first of two notices ends once its input ends; close reaps a notice
+    // that ended before it or during it and gives its status either way.
+    const std::function<long(FakeGui &)> runs[] = {
+        [](FakeGui &g) {
+            g.reply(replyWithLog("MessageBox"));
+            return ORV_MessageBox("m", nullptr, 0);
+        },
+        [](FakeGui &g) {
+            g.readStdin();
+            return ORV_ReinsertCardShow("a") + ORV_ReinsertCardShow("b") + ORV_ReinsertCardClose();
+        },
+        [](FakeGui &g) {
+            g.exitStatus(2);
+            EXPECT_EQ(ORV_ReinsertCardShow("m") + !childrenHaveExited(), 0);
+            return ORV_ReinsertCardClose() - 2;
+        },
+        [&](FakeGui &g) {
+            g.gate(gate).sleepMs(5).exitStatus(2);
+            EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
+            std::ofstream(gate).put('\n');
+            return ORV_ReinsertCardClose() - 2;
+        },
+    };
+    for (size_t i = 0; i < std::size(runs); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(runs[i](gui.clear()), 0);
+        // Right when the call returns, before any other call could tidy up.
+        EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_);
+        unlink(gate.c_str());
+        ASSERT_TRUE(childrenHaveExited());
+        expectHostGoesOn("after run " + std::to_string(i));
+    }
+}
+
+TEST_F(Faults, OutputAndGuiLogStayWithinTheOutputLimit)
+{
+    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
+    ASSERT_EQ(ORV_SetOutputLimit(4000), 0);
+    const std::string yes = replyWithLog("YesNoDialog yes"), cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
+    const std::string kept = "log z GUI aplikace: " + std::string(999, 'L') + " \n\n";
+    const struct {
+        std::function<void(FakeGui &)> script;
+        long result;
+        std::string entry;
+    } cases[] = {
+        {[&](FakeGui &g) { g.reply(yes).fill(4000 - yes.size(), ' '); }, 0, "log z GUI aplikace: hello \n"},
+        {[&](FakeGui &g) { g.reply(yes).fill(4001 - yes.size(), ' '); }, 7, "output limit of 4000 bytes"},
+        {[&](FakeGui &g) { g.reply(yes + " ").fill(64u << 20).sleepMs(30000); }, 7, "output limit of 4000 bytes"},
+        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(999, 'L'))); }, 0, kept},
+        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(1500, 'L')) + "\n"); },
+         0, kept + cutEntry},
+    };
+    for (const auto &c : cases) {
+        c.script(gui.clear());
+        bool answer = false;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result) << c.entry;
+        // The child that went on writing was killed, not waited for.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 300);
+        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
+        EXPECT_EQ(OrvelTest::childProcessCount(), 0);
+    }
+}
+
+TEST_F(Faults, OutOfMemoryAndOutOfDescriptorsGiveSevenAndSayWhy)
+{
+    ASSERT_EQ(ORV_SetOutputLimit(4ull << 30), 0);
+    rlim_t virtualPages = 0;
+    std::ifstream("/proc/self/statm") >> virtualPages;
+    const struct {
+        int resource;
+        rlim_t low;
+        std::string entry;
+    } cases[] = {
+        {RLIMIT_AS, virtualPages * sysconf(_SC_PAGESIZE) + (384u << 20), "Exception occured:\nout of memory"},
+        {RLIMIT_NOFILE, static_cast<rlim_t>(descriptors_ + 8), "Too many open files"},
+    };
+    for (const auto &c : cases) {
+        // Not under the sanitizers: AddressSanitizer reserves far more address
+        // space than that, and the vptr check opens a pipe to read memory.
+        if (kAddressSanitizer)
+            continue;
+        gui.clear().reply("YesNoDialog yes ").fill(1u << 30);
+        rlimit previous{};
+        getrlimit(c.resource, &previous);
+        const rlimit low{c.low, previous.rlim_max};
+        ASSERT_EQ(setrlimit(c.resource, &low), 0);
+        std::vector<int> filler;
+        for (int fd; c.resource == RLIMIT_NOFILE && (fd = open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;)
+            filler.push_back(fd);
+        bool answer = false;
+        const long result = ORV_YesNoDialog("m", nullptr, 0, &answer);
+        for (const int fd : filler)
+            close(fd);
+        setrlimit(c.resource, &previous);
+        EXPECT_EQ(result, 7);
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << log;
+        ASSERT_TRUE(childrenHaveExited());
+        expectHostGoesOn(c.entry);
+    }
+}
+
+TEST_F(Faults, AHostsOwnSigchldReaperTakesNoStatusFromThisThread)
+{
+    // A server's handler that reaps whatever child has ended.
+    struct sigaction reaper{};
+    reaper.sa_handler = [](int) {
+        const int saved = errno;
+        while (waitpid(-1, nullptr, WNOHANG) > 0) {
+        }
+        errno = saved;
+    };
+    sigaction(SIGCHLD, &reaper, nullptr);
+    bool answer = false;
+    gui.reply(replyWithLog("YesNoDialog yes")).sleepMs(50).exitStatus(3);
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 3);
+    gui.clear().readStdin().exitStatus(5);
+    EXPECT_EQ(ORV_ReinsertCardShow("m") + ORV_ReinsertCardClose(), 5);
+    signal(SIGCHLD, SIG_DFL);
+
+    // A waitpid(-1) on another thread may win the race: then the log says
+    // so and the result is 7, never a made-up status.
+    std::atomic<pid_t> taken{0};
+    std::atomic<bool> done{false};
+    std::thread waiter([&] {
+        for (pid_t pid; !done && taken == 0; std::this_thread::sleep_for(std::chrono::milliseconds(1)))
+            if ((pid = waitpid(-1, nullptr, 0)) > 0)
+                taken = pid;
+    });
+    gui.clear().reply(replyWithLog("YesNoDialog yes")).sleepMs(100).exitStatus(3);
+    const long result = ORV_YesNoDialog("m", nullptr, 0, &answer);
+    done = true;
+    waiter.join();
+    EXPECT_EQ(result, taken != 0 ? 7 : 3);
+    EXPECT_EQ(newLog().find("převzal jiný waitpid() hostitele") != std::string::npos, taken != 0);
+    expectHostGoesOn("after the reapers");
 }
 
 } // namespace

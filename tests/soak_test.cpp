@@ -6,6 +6,7 @@
 
 #include "support/DialogFixture.hpp"
 #include "support/ProcessCensus.hpp"
+#include "support/Sanitizers.hpp"
 #include "support/TempDir.hpp"
 
 #include <signal.h>
@@ -22,17 +23,7 @@ using OrvelTest::replyWithLog;
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kAddressSanitizer = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-constexpr bool kAddressSanitizer = true;
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
+using OrvelTest::kAddressSanitizer;
 
 // Anonymous resident memory of this process in bytes: the heap, not the
 // mapped files whose pages come and go.
@@ -213,6 +204,26 @@ TEST_F(Soak, TenThousandDialogsLeaveNothingBehind)
     // Allocator noise, not a leak: a leak of even 100 bytes per dialog would
     // be 1 MB here.
     EXPECT_LT(growth, 512 * 1024);
+}
+
+TEST_F(Soak, AThousandReplacedNoticesAndClosesAfterEndedNoticesLeaveNothingBehind)
+{
+    const int descriptors = OrvelTest::openDescriptorCount();
+    // Each show replaces a notice that waits for its input; then each notice
+    // ends by itself before close.
+    gui.readStdin();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0) << "show " << i;
+    ASSERT_EQ(ORV_ReinsertCardClose(), 0);
+    gui.clear().exitStatus(2);
+    for (int i = 0; i < 1000; ++i) {
+        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0) << "show " << i;
+        while (OrvelTest::childProcessCount() != OrvelTest::zombieChildCount() || OrvelTest::zombieChildCount() == 0)
+            usleep(200);
+        ASSERT_EQ(ORV_ReinsertCardClose(), 2) << "close " << i;
+    }
+    EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
+    EXPECT_EQ(OrvelTest::childProcessCount(), 0);
 }
 
 } // namespace

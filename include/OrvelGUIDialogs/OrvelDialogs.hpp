@@ -1,5 +1,6 @@
 // C++ interface of libOrvelGUIDialogs: the settings, the dialogs as static
-// members of OrvelDialogs::Dialog, and the helper classes.
+// members of OrvelDialogs::Dialog, and the helper classes. Unlike the ORV_
+// functions, these may let std::bad_alloc reach a C++ caller.
 #ifndef ORVEL_DIALOGS_HPP
 #define ORVEL_DIALOGS_HPP
 
@@ -17,6 +18,9 @@ namespace OrvelDialogs {
 ORV_EXPORT void SetAppPath(const char *path);
 ORV_EXPORT void SetLanguage(int language);
 ORV_EXPORT void SetOrvelSignVersion(const char *version);
+// The most bytes read from a GUI application's output (ORV_SetOutputLimit);
+// here 0 is stored as it is and refuses every reply.
+ORV_EXPORT void SetOutputLimit(unsigned long long bytes);
 // The log as NUL-terminated UTF-8, or null while nothing has been logged.
 ORV_EXPORT const char *GetLogBuffer();
 

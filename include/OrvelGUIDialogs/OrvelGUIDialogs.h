@@ -1,4 +1,6 @@
 /* C interface of libOrvelGUIDialogs. Compiles as C99 and as C++.
+ * No exception ever leaves these functions: any that arises inside (out of
+ * memory included) gives 7 and, when memory allows, a log entry.
  *
  * Every function returns a result code as a long:
  *   0 success, 1 bad argument, 3 no launcher for switch or close,
@@ -39,6 +41,11 @@ ORV_EXPORT long ORV_SetAppPath(const char *path);
 ORV_EXPORT long ORV_SetLanguage(int language);
 ORV_EXPORT long ORV_SetOrvelSignVersion(const char *version);
 ORV_EXPORT long ORV_GetLog(const char **log);
+/* The most bytes the library reads from a GUI application's output, 256 MiB
+ * until set (0 gives 1). Past it the GUI application is killed, the log names
+ * the limit and the dialog returns 7. One GUI log adds at most a quarter of
+ * it to the diagnostic log; the rest is cut off with an entry that says so. */
+ORV_EXPORT long ORV_SetOutputLimit(unsigned long long bytes);
 
 /* Modal dialogs: each returns after the GUI application has exited. */
 ORV_EXPORT long ORV_MessageBox(const char *message, const char *info, int icon);

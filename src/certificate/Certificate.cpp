@@ -43,7 +43,7 @@ plist_t stringValue(const std::optional<std::string> &text, const char *key)
 {
     if (!text)
         throw PlatformException(std::string("Certificate: ") + key + " is absent");
-    return plist_new_string(text->c_str());
+    return OrvelDialogs::Platform::newXmlSafeString(*text);
 }
 
 // The entry under `key`; none in anything that is not a dictionary.

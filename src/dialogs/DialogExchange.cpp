@@ -4,6 +4,7 @@
 #include <OrvelGUIDialogs/LibraryState.hpp>
 
 #include "launcher/ReplyBuffer.hpp"
+#include "platform/ChildSignalBlock.hpp"
 #include "platform/HostText.hpp"
 #include "platform/Task.hpp"
 #include "state/LauncherSlot.hpp"
@@ -58,15 +59,27 @@ long resultIgnoringReply(const ExchangeResult &exchange)
     return exchange.status != 0 ? exchange.status : exchange.response;
 }
 
+PipesClosedOnReturn::~PipesClosedOnReturn()
+{
+    State::closePipes(launcher);
+}
+
 ExchangeResult runExchange(const std::string &windowName, const std::vector<std::string> &arguments,
                            ExchangeOptions options)
 {
+    // From before the start to the reaping, so that no handler of the host
+    // on this thread reaps the child first.
+    const Platform::ChildSignalBlock childSignalBlocked;
     AppLauncher &launcher = State::installLauncher(std::make_unique<AppLauncher>());
+    const PipesClosedOnReturn pipesClosed{launcher};
     launcher.Launch(*g_appPath, arguments);
     launcher.WaitUntilExit();
 
     ExchangeResult exchange;
-    exchange.status = options.rawStatus ? launcher.guiTask()->terminationStatus() : launcher.GetTerminationStatus();
+    // A status another waiter took is 7 even here: there is none to pass on.
+    const bool statusTaken = launcher.guiTask()->statusLoss() == Platform::Task::StatusLoss::TakenByHost;
+    exchange.status = options.rawStatus && !statusTaken ? launcher.guiTask()->terminationStatus()
+                                                        : launcher.GetTerminationStatus();
     exchange.response = launcher.GetStdoutResponse(windowName, exchange.reply);
     // When the reply failed there is nothing to log as the raw reply; the log
     // step still runs and finds no log section in the empty reply.

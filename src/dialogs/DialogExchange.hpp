@@ -3,12 +3,13 @@
 // dialog adds only its checks, its argument list and its reply handling.
 #pragma once
 
+#include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "launcher/ArgumentList.hpp"
 #include "platform/PlatformException.hpp"
+#include "state/CBoundary.hpp"
 
-#include <new>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -70,6 +71,13 @@ struct ExchangeResult {
 ExchangeResult runExchange(const std::string &windowName, const std::vector<std::string> &arguments,
                            ExchangeOptions options = {});
 
+// Closes the library's ends of the launcher's pipes when it goes out of
+// scope: a dialog keeps no descriptor once it returns.
+struct PipesClosedOnReturn {
+    AppLauncher &launcher;
+    ~PipesClosedOnReturn();
+};
+
 // The result of a dialog that reads nothing of its reply beyond the beginning.
 long resultIgnoringReply(const ExchangeResult &exchange);
 
@@ -86,22 +94,7 @@ long withExceptionPath(Body body)
     }
 }
 
-// The C functions' guard: a C host cannot catch an exception, so none but
-// std::bad_alloc leaves the library; any other is logged and gives 7.
-template <typename Call>
-long callFromC(Call call)
-{
-    try {
-        return call();
-    } catch (const std::bad_alloc &) {
-        throw;
-    } catch (const std::exception &exception) {
-        logMsg(std::string("Exception occured:\n") + exception.what());
-    } catch (...) {
-        logMsg("Exception occured:\nan exception of an unknown type");
-    }
-    return kExchangeFailed;
-}
+using State::callFromC;
 
 // `integerValue` reading of a reply token: leading white space, an optional
 // sign and the digits up to the first other character; anything else reads 0;

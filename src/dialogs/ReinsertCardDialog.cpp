@@ -5,6 +5,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 
+#include "platform/ChildSignalBlock.hpp"
 #include "platform/FileHandle.hpp"
 #include "state/Language.hpp"
 #include "state/LauncherSlot.hpp"
@@ -47,7 +48,12 @@ long Dialog::displayReinsertCardDialog(const char *message)
         const auto arguments =
             argumentList({"-window", "ReinsertCard", "-lang", language, "-message", messageText});
         AppLauncher &launcher = State::installLauncher(std::make_unique<AppLauncher>());
-        launcher.Launch(*g_appPath, arguments);
+        try {
+            launcher.Launch(*g_appPath, arguments);
+        } catch (...) {
+            State::closePipes(launcher);
+            throw;
+        }
         return kSuccess;
     });
 }
@@ -73,12 +79,24 @@ long Dialog::closeReinsertCardDialog()
         return kNoLauncher;
     State::releaseFinishedLaunchers();
     return withExceptionPath([&] {
-        commandInput(*appLchr).writeWithoutBlocking(kCloseCommand);
+        AppLauncher &launcher = *appLchr;
+        // The command is only kept here, never written at once: a notice that
+        // has ended by itself (its window closed, or it crashed) cannot take
+        // it, and that is no failure of close. Close always ends the input,
+        // reaps the notice and releases its descriptors, and its result is
+        // the notice's exit status whether the notice ended before close or
+        // during it, so it never depends on timing; a command it never took
+        // is logged with the wait. A launcher that can take no command at all
+        // (closed, replaced by a modal dialog, never started) gives 7 with
+        // the exception entry.
+        commandInput(launcher).keepForWriting(kCloseCommand);
+        const PipesClosedOnReturn pipesClosed{launcher};
+        const Platform::ChildSignalBlock childSignalBlocked;
         // Sends what the notice has not taken yet, then ends its input.
         // Nobody reads its output; that is drained so that it cannot block in
         // a write and never exit.
-        appLchr->WaitUntilExitDiscardingOutput();
-        return static_cast<long>(appLchr->GetTerminationStatus());
+        launcher.WaitUntilExitDiscardingOutput();
+        return static_cast<long>(launcher.GetTerminationStatus());
     });
 }
 

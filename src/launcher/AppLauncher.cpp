@@ -10,6 +10,7 @@
 #include "platform/PlatformException.hpp"
 #include "platform/Task.hpp"
 #include "state/Log.hpp"
+#include "state/OutputLimit.hpp"
 #include "util/Base64Alphabet.hpp"
 
 #include <fcntl.h>
@@ -116,8 +117,11 @@ namespace {
 
 void logLostStatus(const Task &task)
 {
-    if (task.terminationStatusLost())
+    if (task.statusLoss() == Task::StatusLoss::IgnoredByHost)
         logMsg("Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.");
+    else if (task.statusLoss() == Task::StatusLoss::TakenByHost)
+        logMsg("Návratový kód GUI aplikace převzal jiný waitpid() hostitele (obsluha SIGCHLD v jiném vlákně?); "
+               "výsledek je 7.");
 }
 
 } // namespace
@@ -128,7 +132,13 @@ void AppLauncher::WaitUntilExit()
         throw PlatformException("WaitUntilExit: nothing was launched");
     // A modal dialog's input is neither written nor closed.
     collectedOutput_ = OrvelDialogs::Launcher::takeReplyBuffer();
-    guiTask_->waitUntilExit(nullptr, outputHandle_.get(), &collectedOutput_);
+    const std::uint64_t limit = OrvelDialogs::State::outputLimit();
+    if (!guiTask_->waitUntilExit(nullptr, outputHandle_.get(), &collectedOutput_,
+                                 static_cast<size_t>(std::min<std::uint64_t>(limit, SIZE_MAX)))) {
+        std::string().swap(collectedOutput_);
+        throw PlatformException("the GUI application wrote more than the output limit of " + std::to_string(limit) +
+                                " bytes (ORV_SetOutputLimit); it was killed and its output dropped");
+    }
     outputCollected_ = true;
     logLostStatus(*guiTask_);
 }
@@ -154,6 +164,9 @@ int AppLauncher::GetTerminationStatus()
 {
     if (!guiTask_)
         throw PlatformException("GetTerminationStatus: nothing was launched");
+    // No status to pass on: the exchange failed (logged at the wait).
+    if (guiTask_->statusLoss() == Task::StatusLoss::TakenByHost)
+        return 7;
     const int status = guiTask_->terminationStatus();
     if (static_cast<std::uint32_t>(status) < 9)
         return status;
@@ -200,14 +213,23 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         logMsg("log z GUI aplikace je prazdný");
         return 0;
     }
+    // One GUI log adds at most the bound to the log: only as many whole
+    // Base64 groups are decoded. It was longer when decoding did not stop by
+    // itself before the cut and the token goes on with more of the alphabet.
+    const std::uint64_t bound = OrvelDialogs::State::guiLogLimit();
+    const size_t kept = static_cast<size_t>(std::min<std::uint64_t>(bound / 3 * 4, token.size()));
+    bool cut = false;
     // Decoded straight into the log, into room made for it beforehand: a log
     // section of many MiB is not copied on its way there.
     constexpr std::string_view kPrefix = "log z GUI aplikace: ";
-    const size_t expected = kPrefix.size() + token.size() / 4 * 3 + 2 + 2;
+    const size_t expected = kPrefix.size() + kept / 4 * 3 + 2 + 2;
     OrvelDialogs::State::logEntryInPlace(expected, [&](std::string &log) {
         log.append(kPrefix);
         const size_t textStart = log.size();
-        OrvelDialogs::Base64::appendUtilDecoded(token, log);
+        OrvelDialogs::Base64::appendUtilDecoded(token.substr(0, kept), log);
+        cut = kept < token.size() && log.size() - textStart == kept / 4 * 3 &&
+              OrvelDialogs::Base64::kValues[static_cast<unsigned char>(token[kept])] !=
+                  OrvelDialogs::Base64::kNotInAlphabet;
         const auto zero = log.find('\0', textStart);
         if (zero != std::string::npos)
             log.resize(zero);
@@ -221,5 +243,8 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         }
         log.append(" \n");
     });
+    if (cut)
+        logMsg("Log z GUI aplikace byl delší než " + std::to_string(bound) +
+               " bajtů (čtvrtina limitu výstupu, ORV_SetOutputLimit); zbytek se zahazuje.");
     return 0;
 }

@@ -1,5 +1,6 @@
 #include "platform/Bundle.hpp"
 
+#include "platform/PlatformException.hpp"
 #include "platform/PropertyListFile.hpp"
 
 #include <sys/stat.h>
@@ -57,7 +58,14 @@ std::optional<std::string> bundleExecutablePath(const std::string &givenPath)
         const std::string infoPlist = bundlePath + layout.infoPlist;
         if (!isRegularFile(infoPlist))
             continue;
-        const auto name = readStringFromPropertyListFile(infoPlist, "CFBundleExecutable");
+        std::optional<std::string> name;
+        try {
+            name = readStringFromPropertyListFile(infoPlist, "CFBundleExecutable");
+        } catch (const PlatformException &refused) {
+            // Still no bundle to start, but the entry tells why.
+            throw PlatformException("no application bundle with an executable at \"" + givenPath +
+                                    "\": " + refused.reason());
+        }
         if (!name || name->empty() || name->find('/') != std::string::npos)
             return std::nullopt;
         const std::string executable = bundlePath + layout.executableFolder + *name;

@@ -11,7 +11,8 @@ namespace OrvelDialogs::Platform {
 // The executable of the bundle at `bundlePath`: named by CFBundleExecutable
 // in its Info.plist, or like the bundle folder without its extension when it
 // has none. No value for a path that is not a directory or a bundle without
-// an executable.
+// an executable. Raises the platform exception for an Info.plist that cannot
+// be read or is refused unparsed (see PropertyListBounds.hpp).
 std::optional<std::string> bundleExecutablePath(const std::string &bundlePath);
 
 } // namespace OrvelDialogs::Platform

@@ -71,6 +71,13 @@ void FileHandle::writeWithoutBlocking(std::string_view bytes)
     }
 }
 
+void FileHandle::keepForWriting(std::string_view bytes)
+{
+    if (!fd_.valid())
+        throw PlatformException("write: the file handle is closed");
+    pending_.append(bytes);
+}
+
 FileHandle::FlushResult FileHandle::flushPending()
 {
     if (pendingBytes() == 0)

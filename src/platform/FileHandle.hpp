@@ -22,6 +22,9 @@ public:
     // platform exception and drops what was kept; SIGPIPE never reaches the
     // process.
     void writeWithoutBlocking(std::string_view bytes);
+    // Keeps `bytes` behind what is kept, without writing: they go out with
+    // flushPending(). A closed handle raises the platform exception.
+    void keepForWriting(std::string_view bytes);
     enum class FlushResult { Done, WouldBlock, ReaderGone };
     // Writes as much of what is kept as the reader takes now. Never raises
     // for a reader that has gone: that is ReaderGone, and the bytes stay kept.

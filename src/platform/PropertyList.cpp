@@ -1,5 +1,7 @@
 #include "platform/PropertyList.hpp"
 
+#include "platform/PropertyListBounds.hpp"
+
 #include <cstdint>
 #include <limits>
 
@@ -26,9 +28,32 @@ PropertyList propertyListFromBytes(std::string_view bytes)
 {
     if (bytes.empty() || bytes.size() > std::numeric_limits<uint32_t>::max())
         return nullptr;
+    // libplist reads and frees nested containers recursively: a document
+    // nested deep enough would overflow the stack.
+    if (nestingRefusal(bytes))
+        return nullptr;
     plist_t root = nullptr;
     plist_from_memory(bytes.data(), static_cast<uint32_t>(bytes.size()), &root);
     return PropertyList(root);
+}
+
+plist_t newXmlSafeString(std::string_view text)
+{
+    constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
+    std::string safe;
+    safe.reserve(text.size());
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (byte < 0x20 && byte != '\t' && byte != '\n' && byte != '\r') {
+            safe += kReplacement;
+        } else if (text.substr(i, 3) == "\xEF\xBF\xBE" || text.substr(i, 3) == "\xEF\xBF\xBF") {
+            safe += kReplacement;
+            i += 2;
+        } else {
+            safe.push_back(text[i]);
+        }
+    }
+    return plist_new_string(safe.c_str());
 }
 
 std::optional<std::string_view> stringValue(plist_t node)

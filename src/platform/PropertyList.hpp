@@ -35,8 +35,15 @@ using XmlBuffer = std::unique_ptr<char, XmlBufferDeleter>;
 std::string_view propertyListToXml(plist_t root, XmlBuffer &storage);
 
 // The property list held in `bytes`, in any format libplist reads; null when
-// the bytes hold none (or are too long for libplist's 32-bit lengths).
+// the bytes hold none, are too long for libplist's 32-bit lengths, or are
+// refused for their nesting (PropertyListBounds.hpp).
 PropertyList propertyListFromBytes(std::string_view bytes);
+
+// A new string node for the UTF-8 `text`. Characters that XML 1.0 cannot
+// carry (C0 controls but tab, line feed and carriage return; U+FFFE, U+FFFF)
+// become U+FFFD: the document then stays well-formed for every XML reader,
+// where refusing it would let one odd text make a whole list unusable.
+plist_t newXmlSafeString(std::string_view text);
 
 // The bytes of a string node, or none for a null node or one of another type.
 std::optional<std::string_view> stringValue(plist_t node);

@@ -52,6 +52,15 @@ private:
     posix_spawnattr_t attributes_;
 };
 
+// SIG_IGN or SA_NOCLDWAIT: the kernel reaps every child and keeps no status.
+bool hostIgnoresChildren()
+{
+    struct sigaction action{};
+    if (sigaction(SIGCHLD, nullptr, &action) != 0)
+        return false;
+    return action.sa_handler == SIG_IGN || (action.sa_flags & SA_NOCLDWAIT) != 0;
+}
+
 void check(int error, const char *call)
 {
     if (error != 0)
@@ -154,12 +163,12 @@ bool Task::hasExited()
         return true;
     }
     if (reaped < 0 && errno == ECHILD) {
-        // The host ignores SIGCHLD: the kernel reaped the child and kept no
-        // status.
+        // Someone else reaped it: the kernel, when the host ignores SIGCHLD,
+        // or another waitpid() of the host.
         state_ = State::Exited;
         pidFd_.reset();
         status_ = 0;
-        statusLost_ = true;
+        statusLoss_ = hostIgnoresChildren() ? StatusLoss::IgnoredByHost : StatusLoss::TakenByHost;
         return true;
     }
     return false;
@@ -178,8 +187,9 @@ void Task::blockUntilReaped()
     }
 }
 
-void Task::waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink)
+bool Task::waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink, size_t sinkLimit)
 {
+    auto overLimit = [&] { return sink != nullptr && sink->size() > sinkLimit; };
     if (state_ == State::NotLaunched)
         throw PlatformException("waitUntilExit: the task was not launched");
     bool inputOpen = input != nullptr && !input->isClosed();
@@ -211,6 +221,14 @@ void Task::waitUntilExit(FileHandle *input, FileHandle *output, std::string *sin
         if (outputOpen && watched[outputIndex].revents != 0 &&
             output->readAvailable(sink) == FileHandle::ReadResult::EndOfFile)
             outputOpen = false;
+        if (overLimit()) {
+            // Checked first: until it is reaped the process identifier is
+            // still this child's.
+            if (!hasExited())
+                ::kill(pid_, SIGKILL);
+            blockUntilReaped();
+            return false;
+        }
         if (inputOpen && watched[inputIndex].revents != 0) {
             // A reader that has gone takes nothing more; what is left stays
             // kept for the caller to count.
@@ -225,6 +243,7 @@ void Task::waitUntilExit(FileHandle *input, FileHandle *output, std::string *sin
     // could put off for ever.
     if (outputOpen)
         output->drainWithoutBlocking(sink);
+    return !overLimit();
 }
 
 int Task::terminationStatus() const

@@ -48,14 +48,27 @@ public:
     // What `input` (if not null and open) still keeps is written as the child
     // takes it, and the input is closed once all of it went out; if the
     // child exits or stops reading first, the rest stays kept in `input`.
-    void waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink);
+    // Once `sink` holds more than `sinkLimit` bytes reading stops, a child
+    // that still runs is killed, and the result is false (after the reaping).
+    bool waitUntilExit(FileHandle *input, FileHandle *output, std::string *sink,
+                       size_t sinkLimit = static_cast<size_t>(-1));
 
     // The exit status; 128 + the signal's number for a child ended by a
     // signal; 0 when the status was lost. Raises while the child runs.
     int terminationStatus() const;
-    // True when the host ignores SIGCHLD and the kernel discarded the status.
-    bool terminationStatusLost() const { return statusLost_; }
+    enum class StatusLoss {
+        None,
+        // The host ignores SIGCHLD: the kernel discarded the status.
+        IgnoredByHost,
+        // Another waitpid() in the host (a SIGCHLD handler on another
+        // thread, say) reaped the child first.
+        TakenByHost,
+    };
+    StatusLoss statusLoss() const { return statusLoss_; }
     pid_t processIdentifier() const { return pid_; }
+    // Closes the descriptor that waiting uses, for a child nobody will wait
+    // for any more; hasExited() still reaps it.
+    void releaseExitDescriptor() { pidFd_.reset(); }
 
 private:
     enum class State { NotLaunched, Running, Exited };
@@ -71,7 +84,7 @@ private:
     pid_t pid_ = -1;
     State state_ = State::NotLaunched;
     int status_ = 0;
-    bool statusLost_ = false;
+    StatusLoss statusLoss_ = StatusLoss::None;
 };
 
 } // namespace OrvelDialogs::Platform

@@ -3,6 +3,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 
+#include "platform/FileHandle.hpp"
 #include "platform/Task.hpp"
 
 #include <algorithm>
@@ -27,6 +28,13 @@ bool childFinished(AppLauncher &launcher)
 
 } // namespace
 
+void closePipes(AppLauncher &launcher) noexcept
+{
+    for (const auto &handle : {launcher.inputHandle(), launcher.outputHandle()})
+        if (handle)
+            handle->closeFile();
+}
+
 void releaseFinishedLaunchers()
 {
     auto &launchers = replacedLaunchers();
@@ -37,8 +45,14 @@ AppLauncher &installLauncher(std::unique_ptr<AppLauncher> launcher)
 {
     releaseFinishedLaunchers();
     std::unique_ptr<AppLauncher> replaced = std::exchange(appLchr, std::move(launcher));
-    if (replaced && !childFinished(*replaced))
+    if (replaced && !childFinished(*replaced)) {
+        // Nothing can reach that child any more, so the host keeps none of
+        // its descriptors: its input ends (a notice then closes itself), and
+        // only a check without blocking at later calls remains, to reap it.
+        closePipes(*replaced);
+        replaced->guiTask()->releaseExitDescriptor();
         replacedLaunchers().push_back(std::move(replaced));
+    }
     return *appLchr;
 }
 
