@@ -34,7 +34,14 @@ answer() {
   if [ -z "$id" ]; then
     echo "FAILED: no yes/no window appeared"; cat "$work/err"; kill "$host"; failed=1; return
   fi
-  xdotool windowfocus --sync "$id" 2>/dev/null || true
+  # Keys go to the focused window: wait until ours has the focus (there is
+  # no window manager to give it) before typing.
+  for _ in $(seq 1 50); do
+    xdotool windowfocus "$id" 2>/dev/null
+    [ "$(xdotool getwindowfocus 2>/dev/null)" = "$id" ] && break
+    sleep 0.1
+  done
+  sleep 0.2
   xdotool key --delay 50 $1
   wait "$host"
   status=$?
