@@ -45,7 +45,10 @@ FileChooserWindow::FileChooserWindow(const Request &request, QWidget *parent) : 
     setAccessibleName(title);
     setDirectory(QDir::current());
     const QStringList filters = qtNameFilters(request.fileFilter);
-    if (!filters.isEmpty())
+    if (!filterUnderstood(request.fileFilter))
+        // Said where the file types are chosen; every file is shown.
+        setNameFilter(qs(fill(t.filterNotUnderstood, {request.fileFilter})) + QStringLiteral(" (*)"));
+    else if (!filters.isEmpty())
         setNameFilters(filters);
     if (save) {
         setAcceptMode(QFileDialog::AcceptSave);
