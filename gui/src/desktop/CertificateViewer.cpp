@@ -77,13 +77,7 @@ CertificateViewer::CertificateViewer(const Request &request, const std::string &
         scroll->setMinimumSize(fields->sizeHint().boundedTo(QSize(900, 560)) + QSize(24, 8));
         layout->addWidget(scroll);
     }
-    auto *buttons = new QDialogButtonBox(this);
-    QPushButton *ok = buttons->addButton(qs(t.ok), QDialogButtonBox::AcceptRole);
-    ok->setAccessibleName(qs(t.ok));
-    ok->setDefault(true);
-    ok->setFocus();
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    layout->addWidget(buttons);
+    addOkButton(layout);
 }
 
 } // namespace OrvelGui

@@ -2,9 +2,12 @@
 
 #include "desktop/HostWatch.hpp"
 
+#include <QBoxLayout>
+#include <QDialogButtonBox>
 #include <QFontDatabase>
 #include <QLabel>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 #include <algorithm>
 
@@ -75,6 +78,17 @@ DesktopWindow::DesktopWindow(const Request &request, const char *title, QWidget 
         hostGone_ = true;
         reject();
     });
+}
+
+void DesktopWindow::addOkButton(QBoxLayout *layout)
+{
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *ok = buttons->addButton(qs(texts_.ok), QDialogButtonBox::AcceptRole);
+    ok->setAccessibleName(qs(texts_.ok));
+    ok->setDefault(true);
+    ok->setFocus();
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    layout->addWidget(buttons);
 }
 
 } // namespace OrvelGui

@@ -11,6 +11,7 @@
 
 #include <string>
 
+class QBoxLayout;
 class QLabel;
 class QPlainTextEdit;
 class QWidget;
@@ -37,6 +38,10 @@ public:
     bool hostGone() const { return hostGone_; }
 
 protected:
+    // One OK button, the default, that closes the window: for windows that
+    // only show something.
+    void addOkButton(QBoxLayout *layout);
+
     const Request &request_;
     const Texts &texts_;
 

@@ -40,13 +40,7 @@ MessageWindow::MessageWindow(const Request &request, QWidget *parent)
                                                         QStyle::SP_MessageBoxCritical};
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(iconAndText(kIcons[request.icon], request, this));
-    auto *buttons = new QDialogButtonBox(this);
-    QPushButton *ok = buttons->addButton(qs(texts_.ok), QDialogButtonBox::AcceptRole);
-    ok->setAccessibleName(qs(texts_.ok));
-    ok->setDefault(true);
-    ok->setFocus();
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    layout->addWidget(buttons);
+    addOkButton(layout);
 }
 
 } // namespace OrvelGui
