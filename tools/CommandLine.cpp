@@ -1,6 +1,7 @@
 #include "CommandLine.hpp"
 
 #include "PrintableText.hpp"
+#include "common/SignedData.hpp"
 
 #include <CLI/CLI.hpp>
 
@@ -13,7 +14,7 @@ namespace {
 
 // No description, so that help shows a plain TEXT.
 const CLI::Validator kUtf8(
-    [](std::string &value) { return isValidUtf8(value) ? std::string() : std::string("not valid UTF-8"); },
+    [](std::string &value) { return OrvelGui::isUtf8(value) ? std::string() : std::string("not valid UTF-8"); },
     "");
 
 // A named choice or any int, the number passed on unchecked so that the

@@ -8,8 +8,6 @@
 
 namespace OrvelTool {
 
-bool isValidUtf8(std::string_view text);
-
 // Control characters (C0 but tab and line feed, DEL, C1) and bytes that are not
 // UTF-8 written as visible escapes: "\x1B", "\u009B", "\xFF".
 std::string escapeForTerminal(std::string_view text);

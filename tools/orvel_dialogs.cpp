@@ -7,15 +7,14 @@
 #include "LogView.hpp"
 #include "PrintableText.hpp"
 #include "ToolTexts.hpp"
+#include "common/ExecutableFolder.hpp"
+#include "common/SignedData.hpp"
 
 #include <OrvelGUIDialogs/OrvelGUIDialogs.h>
 
 #include <openssl/evp.h>
 
 #include <unistd.h>
-#if defined(__APPLE__)
-#include <mach-o/dyld.h>
-#endif
 
 #include <cerrno>
 #include <climits>
@@ -32,26 +31,11 @@ namespace {
 using namespace OrvelTool;
 namespace fs = std::filesystem;
 
-std::string executableFolder()
-{
-#if defined(__APPLE__)
-    char path[PATH_MAX];
-    uint32_t size = sizeof path;
-    if (_NSGetExecutablePath(path, &size) != 0)
-        return {};
-    return fs::path(path).parent_path().string();
-#else
-    std::error_code error;
-    const fs::path self = fs::read_symlink("/proc/self/exe", error);
-    return error ? std::string() : self.parent_path().string();
-#endif
-}
-
 // The reference GUI application: next to the tool in the build tree, or in
 // the installed layout.
 std::optional<std::string> defaultApp()
 {
-    const std::string folder = executableFolder();
+    const std::string folder = OrvelGui::executableFolder();
     if (folder.empty())
         return std::nullopt;
     for (const char *relative : {ORVEL_GUI_FROM_BUILD_TREE, ORVEL_GUI_FROM_INSTALL}) {
@@ -131,7 +115,7 @@ int Dialogs::textOrFile(const std::optional<std::string> &text, const std::optio
     // The library takes NUL-terminated UTF-8.
     if (out.find('\0') != std::string::npos)
         return usageError(std::string(fileOption) + ": " + *file + " holds a NUL byte");
-    if (!isValidUtf8(out))
+    if (!OrvelGui::isUtf8(out))
         return usageError(std::string(fileOption) + ": " + *file + " is not valid UTF-8");
     return 0;
 }
