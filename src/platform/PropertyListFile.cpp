@@ -5,6 +5,8 @@
 #include "platform/PropertyList.hpp"
 #include "platform/PropertyListBounds.hpp"
 
+#include <algorithm>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -23,9 +25,20 @@ std::optional<std::string> readBounded(const std::string &path)
             return std::nullopt;
         raiseSystemError("open " + path, errno);
     }
-    std::string bytes(kPropertyListMaximumBytes + 1, '\0');
+    // Room for what the file holds now, and one byte more to see its end;
+    // it grows (up to the bound) if the file grows meanwhile. Every dialog
+    // reads its bundle's Info.plist, a few hundred bytes.
+    constexpr size_t kLimit = kPropertyListMaximumBytes + 1;
+    struct stat info {};
+    const bool sized = ::fstat(fd.get(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size >= 0;
+    std::string bytes(sized ? std::min<size_t>(static_cast<size_t>(info.st_size) + 1, kLimit) : 4096, '\0');
     size_t filled = 0;
-    while (filled < bytes.size()) {
+    for (;;) {
+        if (filled == bytes.size()) {
+            if (bytes.size() == kLimit)
+                break;
+            bytes.resize(std::min(bytes.size() * 2, kLimit));
+        }
         const ssize_t n = retryOnInterrupt([&] { return ::read(fd.get(), bytes.data() + filled, bytes.size() - filled); });
         if (n < 0)
             raiseSystemError("read " + path, errno);
