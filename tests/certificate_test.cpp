@@ -5,30 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <cstddef>
-#include <cstdio>
-#include <fstream>
+#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
-
-#if defined(__x86_64__)
-TEST(CertificateRecord, LayoutOfTheCInterfaceOnX8664)
-{
-    EXPECT_EQ(sizeof(ORV_Certificate), 48u);
-    EXPECT_EQ(offsetof(ORV_Certificate, data), 0u);
-    EXPECT_EQ(offsetof(ORV_Certificate, dataLength), 8u);
-    EXPECT_EQ(offsetof(ORV_Certificate, subjectStr), 16u);
-    EXPECT_EQ(offsetof(ORV_Certificate, notAfterStr), 24u);
-    EXPECT_EQ(offsetof(ORV_Certificate, renewDeadlineStr), 32u);
-    EXPECT_EQ(offsetof(ORV_Certificate, validDaysRemaining), 40u);
-    EXPECT_EQ(offsetof(ORV_Certificate, forceRenew), 44u);
-    EXPECT_EQ(offsetof(ORV_Certificate, warnRenew), 45u);
-}
-#endif
 
 // What a host keeps for one record; record() points into it.
 struct HostRecord {
@@ -110,19 +93,14 @@ else:
 
 std::string python(const std::string &mode, const std::string &listText = "")
 {
-    const std::string dir = OrvelTest::makeTempDir();
-    std::ofstream(dir + "/check.py") << kPythonScript;
-    std::ofstream(dir + "/list.b64", std::ios::binary) << listText;
-    FILE *pipe = popen(("/usr/bin/python3 " + dir + "/check.py " + mode + " " + dir + "/list.b64 2>&1").c_str(), "r");
-    std::string out;
-    char buffer[4096];
-    for (size_t n; pipe != nullptr && (n = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-        out.append(buffer, n);
-    const int status = pipe != nullptr ? pclose(pipe) : -1;
-    OrvelTest::removeTree(dir);
+    const OrvelTest::TempFolder dir;
+    const std::string script = OrvelTest::writeFile(dir / "check.py", kPythonScript);
+    const std::string command = "/usr/bin/python3 " + script + " " + mode + " " + dir / "list.b64" + " >" + dir / "out 2>&1";
+    OrvelTest::writeFile(dir / "list.b64", listText);
+    const int status = std::system(command.c_str());
     if (status != 0)
-        throw std::runtime_error("python3 failed:\n" + out);
-    return out;
+        throw std::runtime_error("python3 failed:\n" + OrvelTest::readFile(dir / "out"));
+    return OrvelTest::readFile(dir / "out");
 }
 
 TEST(CertificateList, PythonReadsTheListTextAsTheRecordsInOrder)

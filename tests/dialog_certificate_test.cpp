@@ -13,22 +13,7 @@ using Args = std::vector<std::string>;
 
 namespace {
 
-// Host-owned records with their own storage.
-struct Records {
-    explicit Records(unsigned int count)
-    {
-        for (unsigned int i = 0; i < count; ++i) {
-            data.push_back("DER" + std::to_string(i));
-            subjects.push_back("CN=Signer " + std::to_string(i));
-        }
-        for (unsigned int i = 0; i < count; ++i)
-            records.push_back({data[i].data(), static_cast<unsigned int>(data[i].size()), subjects[i].data(),
-                               notAfter.data(), deadline.data(), 30 - static_cast<int>(i), i == 1, false});
-    }
-    std::vector<std::string> data, subjects;
-    std::string notAfter = "2027-01-31", deadline = "2026-12-31";
-    std::vector<ORV_Certificate> records;
-};
+using OrvelTest::Records;
 
 class CertificateDialogs : public OrvelTest::DialogTest {
 protected:
@@ -40,14 +25,13 @@ protected:
 
     long select(Records &records, unsigned int &selected)
     {
-        return ORV_SelectCertificate(records.records.data(), static_cast<unsigned int>(records.records.size()),
-                                     &selected);
+        return ORV_SelectCertificate(records.records.data(), records.count(), &selected);
     }
     long confirm(Records &records, unsigned int &selected, bool &confirmed, const char *data = "ABC",
                  const char *rtf = nullptr)
     {
-        return ORV_ConfirmSignature(records.records.data(), static_cast<unsigned int>(records.records.size()),
-                                    &selected, data, rtf, "SHA-256", "0A1B", &confirmed);
+        return ORV_ConfirmSignature(records.records.data(), records.count(), &selected, data, rtf, "SHA-256", "0A1B",
+                                    &confirmed);
     }
 };
 
@@ -126,16 +110,15 @@ TEST_F(CertificateDialogs, SelectionPassesTheListInRecordOrder)
 
 TEST_F(CertificateDialogs, SelectionReadsTheChosenIndex)
 {
-    struct Case {
+    const char *kIndexEntry = "Index vybraného certifikátu neodpovídá povolenému obsahu\n\n";
+    const char *kFormatEntry = "Neočekávaný formát odpovědi z okna SelectCertificate\n\n";
+    const struct {
         std::string reply;
         int exit;
         long result;
         unsigned int selected;
         const char *entry;
-    };
-    const char *kIndexEntry = "Index vybraného certifikátu neodpovídá povolenému obsahu\n\n";
-    const char *kFormatEntry = "Neočekávaný formát odpovědi z okna SelectCertificate\n\n";
-    const Case cases[] = {
+    } cases[] = {
         {replyWithLog("CertificateSelect -selectedCert 2"), 0, 0, 2, ""},
         {replyWithLog("CertificateSelect -selectedCert 3"), 0, 7, 1, kIndexEntry},
         {replyWithLog("CertificateSelect -selectedCert -1"), 0, 7, 1, kIndexEntry},
@@ -164,13 +147,12 @@ TEST_F(CertificateDialogs, ConfirmationPassesSixteenOrEighteenStrings)
     gui.reply(replyWithLog("SignatureConfirm -result 1 -selectedCert 0"));
     Records records(2);
     ORV_SetLanguage(1);
-    struct Case {
+    const Args common = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
+    const struct {
         const char *data;
         const char *rtf;
         Args expectedHead;
-    };
-    const Args common = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
-    const Case cases[] = {
+    } cases[] = {
         {"ABC", nullptr, {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
         {"ABC", "XY", {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "WFk=", "-certs"}},
         {"", nullptr, {"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
@@ -192,16 +174,15 @@ TEST_F(CertificateDialogs, ConfirmationPassesSixteenOrEighteenStrings)
 
 TEST_F(CertificateDialogs, ConfirmationReadsAnswerThenIndex)
 {
-    struct Case {
+    const char *kFormatEntry = "Neočekávaný formát odpovědi z okna ConfirmSignature\n\n";
+    const struct {
         std::string reply;
         int exit;
         long result;
-        int confirmed; // -1: untouched
+        int confirmed;         // -1: untouched
         unsigned int selected; // 7: untouched
         const char *entry;
-    };
-    const char *kFormatEntry = "Neočekávaný formát odpovědi z okna ConfirmSignature\n\n";
-    const Case cases[] = {
+    } cases[] = {
         {replyWithLog("SignatureConfirm -result 1 -selectedCert 1"), 0, 0, 1, 1, ""},
         {replyWithLog("SignatureConfirm -result 0 -selectedCert 0"), 0, 0, 0, 0, ""},
         {replyWithLog("SignatureConfirm -result 1 -selectedCert 5"), 0, 7, 1, 7,

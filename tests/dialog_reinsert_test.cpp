@@ -7,29 +7,12 @@
 #include "support/ProcessCensus.hpp"
 
 #include <signal.h>
-#include <unistd.h>
-
-#include <chrono>
-#include <thread>
 
 using OrvelTest::replyWithLog;
-using namespace std::chrono_literals;
 
 namespace {
 
-class ReinsertCard : public OrvelTest::DialogTest {
-protected:
-    // Waits (bounded) until every child of the test has exited.
-    static bool waitForChildrenToExit()
-    {
-        for (int i = 0; i < 500; ++i) {
-            if (OrvelTest::childProcessCount() == OrvelTest::zombieChildCount())
-                return true;
-            std::this_thread::sleep_for(10ms);
-        }
-        return false;
-    }
-};
+class ReinsertCard : public OrvelTest::DialogTest {};
 
 TEST_F(ReinsertCard, SwitchAndCloseNeedALauncher)
 {
@@ -120,7 +103,7 @@ TEST_F(ReinsertCard, AReplacedNoticeKeepsRunningAndIsReapedOnceItExits)
     gui.sleepMs(0);
     ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
     EXPECT_EQ(OrvelTest::childProcessCount(), 1);
-    ASSERT_TRUE(waitForChildrenToExit());
+    ASSERT_TRUE(OrvelTest::childrenHaveExited());
     EXPECT_EQ(OrvelTest::zombieChildCount(), 1);
     // The next dialog call releases it.
     ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
@@ -139,7 +122,7 @@ TEST_F(ReinsertCard, ShowingTwiceReachesOnlyTheSecond)
     EXPECT_EQ(ORV_ReinsertCardClose(), 3);
     EXPECT_EQ(second.stdinBytes(), "ReinsertCard removeReinsertCard close");
     // The first one's input was closed when it was replaced: it has ended.
-    EXPECT_TRUE(waitForChildrenToExit());
+    EXPECT_TRUE(OrvelTest::childrenHaveExited());
     EXPECT_EQ(gui.stdinBytes(), "");
 }
 

@@ -7,28 +7,27 @@
 #include "support/Interruptions.hpp"
 #include "support/ProcessCensus.hpp"
 #include "support/Sanitizers.hpp"
-#include "support/TempDir.hpp"
 
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <fstream>
-#include <memory>
 #include <functional>
-#include <vector>
+#include <memory>
 #include <thread>
+#include <vector>
 
 using OrvelTest::FakeGui;
 using OrvelTest::replyWithLog;
 
 namespace {
+
+using OrvelTest::kAddressSanitizer;
 
 const std::string kLostStatusEntry =
     "Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.";
@@ -36,16 +35,6 @@ const std::string kLostStatusEntry =
 std::string droppedCommandsEntry(size_t bytes)
 {
     return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
-}
-
-using OrvelTest::kAddressSanitizer;
-
-// Waits (bounded) until every child of the test has exited.
-bool childrenHaveExited()
-{
-    for (int i = 0; i < 500 && OrvelTest::childProcessCount() != OrvelTest::zombieChildCount(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return OrvelTest::childProcessCount() == OrvelTest::zombieChildCount();
 }
 
 // Ends the test process instead of letting a call that blocks hang the run.
@@ -60,51 +49,23 @@ protected:
     void SetUp() override
     {
         DialogTest::SetUp();
-        scratch_ = OrvelTest::makeTempDir();
         // One dialog first, so that whatever the first one sets up for good
         // is not counted as left behind.
-        expectNextDialogWorks("set-up");
-        descriptors_ = OrvelTest::openDescriptorCount();
-    }
-    void TearDown() override { OrvelTest::removeTree(scratch_); }
-
-    void expectNextDialogWorks(const std::string &what)
-    {
-        FakeGui healthy;
-        healthy.reply(replyWithLog("MessageBox"));
-        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0) << what;
+        gui.reply(replyWithLog("MessageBox"));
+        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
         newLog();
+        descriptors_ = OrvelTest::openDescriptorCount();
     }
 
     // The host goes on: the next dialog works, and no descriptor, child or
     // zombie stayed behind.
     void expectHostGoesOn(const std::string &what)
     {
-        expectNextDialogWorks(what);
+        gui.clear().reply(replyWithLog("MessageBox"));
+        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0) << what;
+        newLog();
         EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_) << what;
         EXPECT_EQ(OrvelTest::childProcessCount(), 0) << what;
-    }
-
-    std::string makeFile(const std::string &name, const std::string &bytes, mode_t mode)
-    {
-        const std::string path = scratch_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << bytes;
-        chmod(path.c_str(), mode);
-        return path;
-    }
-
-    std::string makeDir(const std::string &name)
-    {
-        const std::string path = scratch_ + "/" + name;
-        mkdir(path.c_str(), 0755);
-        return path;
-    }
-
-    std::string bundleWithInfoPlist(const std::string &bytes)
-    {
-        makeDir("Odd.app");
-        makeFile("Odd.app/Info.plist", bytes, 0644);
-        return scratch_ + "/Odd.app";
     }
 
     // `count` switches alternating in a fixed pattern, and the bytes they send.
@@ -119,92 +80,88 @@ protected:
         return sent;
     }
 
-    std::string scratch_;
+    // Shows a notice scripted with `script` gated on a file, sends `switches`
+    // commands, opens the gate and closes: the commands sent.
+    std::string noticeAfterSwitches(const std::function<void(FakeGui &)> &script, size_t switches, long closed)
+    {
+        script(gui.clear().gate(scratch / "gate"));
+        EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
+        const std::string sent = sendSwitches(switches);
+        OrvelTest::writeFile(scratch / "gate", "\n");
+        EXPECT_EQ(ORV_ReinsertCardClose(), closed);
+        unlink((scratch / "gate").c_str());
+        return sent;
+    }
+
     int descriptors_ = 0;
 };
 
 TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
 {
-    const std::string hello = replyWithLog("YesNoDialog yes");
-    struct Case {
+    const std::string hello = replyWithLog("YesNoDialog yes"), fake = FakeGui::bundlePath();
+    const auto bundleWith = [&](const std::string &bundle, const std::string &file, const std::string &bytes) {
+        OrvelTest::writeFile(scratch / bundle + "/" + file, bytes);
+        return scratch / bundle;
+    };
+    std::string deep;
+    for (int i = 0; i < 40; ++i)
+        deep += "<array>";
+    const auto noScript = [](FakeGui &) {};
+    const struct {
         const char *what;
-        // The bundle to start; the fake when it returns nothing.
-        std::function<std::string()> bundle;
+        std::string bundle;
         std::function<void(FakeGui &)> script;
         long result;
         std::string entry;
-        bool answer;
-    };
-    const auto fake = [] { return std::string(); };
-    const Case cases[] = {
-        {"missing", [&] { return scratch_ + "/Missing.app"; }, [](FakeGui &) {}, 7,
-         "no application bundle with an executable", false},
-        {"not executable",
-         [&] {
-             makeDir("Locked.app");
-             makeFile("Locked.app/Locked", "#!/bin/sh\nexit 0\n", 0644);
-             return scratch_ + "/Locked.app";
-         },
-         [](FakeGui &) {}, 7, "Permission denied", false},
-        {"a plain file, not a bundle", [&] { return makeFile("plain.app", "#!/bin/sh\n", 0755); }, [](FakeGui &) {},
-         7, "no application bundle with an executable", false},
-        {"a folder without an executable", [&] { return makeDir("Empty.app"); }, [](FakeGui &) {}, 7,
-         "no application bundle with an executable", false},
+        bool answer = false;
+    } cases[] = {
+        {"missing", scratch / "Missing.app", noScript, 7, "no application bundle with an executable"},
+        {"not executable", bundleWith("Locked.app", "Locked", "#!/bin/sh\nexit 0\n"), noScript, 7, "Permission denied"},
+        {"a plain file, not a bundle", OrvelTest::writeFile(scratch / "plain.app", "#!/bin/sh\n", 0755), noScript, 7,
+         "no application bundle with an executable"},
+        {"a folder without an executable", bundleWith("Empty.app", "notes.txt", ""), noScript, 7,
+         "no application bundle with an executable"},
         // Refused unread: larger than 1 MiB, or nested deeper than 32 levels.
-        {"a huge Info.plist", [&] { return bundleWithInfoPlist("<plist>" + std::string(1u << 20, ' ')); },
-         [](FakeGui &) {}, 7, "Info.plist is refused: larger than 1048576 bytes", false},
-        {"a deep Info.plist",
-         [&] {
-             std::string deep;
-             for (int i = 0; i < 40; ++i)
-                 deep += "<array>";
-             return bundleWithInfoPlist(deep);
-         },
-         [](FakeGui &) {}, 7,
-         "Info.plist is refused: nested deeper than 32 levels", false},
+        {"a huge Info.plist", bundleWith("Huge.app", "Info.plist", "<plist>" + std::string(1u << 20, ' ')), noScript, 7,
+         "Info.plist is refused: larger than 1048576 bytes"},
+        {"a deep Info.plist", bundleWith("Deep.app", "Info.plist", deep), noScript, 7,
+         "Info.plist is refused: nested deeper than 32 levels"},
         {"a deep binary Info.plist",
-         [&] {
-             std::ifstream deep(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40", std::ios::binary);
-             return bundleWithInfoPlist(std::string(std::istreambuf_iterator<char>(deep), {}));
-         },
-         [](FakeGui &) {}, 7, "Info.plist is refused: nested deeper than 32 levels", false},
-        {"dies by a signal", fake, [&](FakeGui &gui) { gui.reply(hello).dieBySignal(SIGKILL); }, 7,
-         "Unknown error code number occured:137\n", false},
-        {"exits with 9", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(9); }, 7,
-         "Unknown error code number occured:9\n", false},
-        {"exits with 255", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(255); }, 7,
-         "Unknown error code number occured:255\n", false},
+         bundleWith("Binary.app", "Info.plist",
+                    OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
+         noScript, 7, "Info.plist is refused: nested deeper than 32 levels"},
+        {"dies by a signal", fake, [&](FakeGui &g) { g.reply(hello).dieBySignal(SIGKILL); }, 7,
+         "Unknown error code number occured:137\n"},
+        {"exits with 9", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(9); }, 7,
+         "Unknown error code number occured:9\n"},
+        {"exits with 255", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(255); }, 7,
+         "Unknown error code number occured:255\n"},
         {"writes invalid UTF-8", fake,
-         [](FakeGui &gui) { gui.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
-         "Chybná odpověď od YesNoDialog okna.\n", false},
-        {"writes past the 256 MiB output limit", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); },
-         7, "output limit of 268435456 bytes", false},
+         [](FakeGui &g) { g.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
+         "Chybná odpověď od YesNoDialog okna.\n"},
+        {"writes past the 256 MiB output limit", fake, [&](FakeGui &g) { g.reply(hello + " ").fill(256u << 20); }, 7,
+         "output limit of 268435456 bytes"},
         // The end of its output is not its exit: the status still counts.
         {"closes its stdout early and runs on", fake,
-         [&](FakeGui &gui) { gui.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
-         "log z GUI aplikace: hello \n", false},
+         [&](FakeGui &g) { g.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
+         "log z GUI aplikace: hello \n"},
         {"leaves a grandchild holding its stdout", fake,
-         [&](FakeGui &gui) { gui.reply(hello).grandchildHoldingStdout(30000); }, 0, "log z GUI aplikace: hello \n",
-         true},
+         [&](FakeGui &g) { g.reply(hello).grandchildHoldingStdout(30000); }, 0, "log z GUI aplikace: hello \n", true},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        {
-            FakeGui script;
-            c.script(script);
-            const std::string bundle = c.bundle();
-            ORV_SetAppPath((bundle.empty() ? FakeGui::bundlePath() : bundle).c_str());
-            bool answer = false;
-            const auto start = std::chrono::steady_clock::now();
-            EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
-            // Bounded, not a speed target: the dialog did not wait for the
-            // grandchild's 30 s.
-            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-            EXPECT_EQ(answer, c.answer);
-            const std::string log = newLog();
-            EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
-        }
-        ORV_SetAppPath(FakeGui::bundlePath().c_str());
+        c.script(gui.clear());
+        ORV_SetAppPath(c.bundle.c_str());
+        bool answer = false;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
+        // Bounded, not a speed target: the dialog did not wait for the
+        // grandchild's 30 s.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        EXPECT_EQ(answer, c.answer);
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
+        ORV_SetAppPath(fake.c_str());
         expectHostGoesOn(c.what);
     }
 }
@@ -214,17 +171,11 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
     // A write that raised SIGPIPE would end the test with the default action.
     signal(SIGPIPE, SIG_DFL);
     const Watchdog watchdog(120);
-    const std::string gate = scratch_ + "/gate";
-    FakeGui notice;
-    notice.reply("ReinsertCard").gate(gate).sleepMs(200).exitStatus(4);
-    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
     // 1 MiB of commands, far more than the pipe holds; not one switch waits.
-    const size_t switches = (1u << 20) / 19 + 1;
-    const std::string sent = sendSwitches(switches);
     // The notice wakes up and exits a little later without reading: close
     // waits for it and drops what it never read.
-    std::ofstream(gate).put('\n');
-    EXPECT_EQ(ORV_ReinsertCardClose(), 4);
+    const std::string sent = noticeAfterSwitches(
+        [](FakeGui &g) { g.reply("ReinsertCard").sleepMs(200).exitStatus(4); }, (1u << 20) / 19 + 1, 4);
     EXPECT_EQ(newLog(), droppedCommandsEntry(sent.size() + 18) + "\n");
     expectHostGoesOn("after the notice");
 }
@@ -232,14 +183,8 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
 TEST_F(Faults, CommandsANoticeReadsLateReachItWholeAndInOrder)
 {
     const Watchdog watchdog(120);
-    const std::string gate = scratch_ + "/gate";
-    FakeGui notice;
-    notice.gate(gate).readStdin().exitStatus(2);
-    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-    const std::string sent = sendSwitches((1u << 20) / 19 + 1);
-    std::ofstream(gate).put('\n');
-    EXPECT_EQ(ORV_ReinsertCardClose(), 2);
-    EXPECT_EQ(notice.stdinBytes(), sent + "ReinsertCard close");
+    const std::string sent = noticeAfterSwitches([](FakeGui &g) { g.readStdin().exitStatus(2); }, (1u << 20) / 19 + 1, 2);
+    EXPECT_EQ(gui.stdinBytes(), sent + "ReinsertCard close");
     EXPECT_EQ(newLog(), "");
     expectHostGoesOn("after the notice");
 }
@@ -248,23 +193,17 @@ TEST_F(Faults, DialogsWorkWhenTheHostIgnoresSigchld)
 {
     // The kernel then reaps every child at once and keeps no exit status.
     signal(SIGCHLD, SIG_IGN);
-    {
-        FakeGui dialog;
-        dialog.reply(replyWithLog("YesNoDialog yes")).exitStatus(3);
-        bool answer = false;
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
-        EXPECT_TRUE(answer);
-        EXPECT_EQ(newLog(), kLostStatusEntry + "\nlog z GUI aplikace: hello \n\n");
-    }
-    {
-        FakeGui notice;
-        notice.readStdin().exitStatus(5);
-        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-        EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 0);
-        EXPECT_EQ(ORV_ReinsertCardClose(), 0);
-        EXPECT_EQ(notice.stdinBytes(), "ReinsertCard insertReinsertCard close");
-        EXPECT_EQ(newLog(), kLostStatusEntry + "\n");
-    }
+    gui.reply(replyWithLog("YesNoDialog yes")).exitStatus(3);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(newLog(), kLostStatusEntry + "\nlog z GUI aplikace: hello \n\n");
+    gui.clear().readStdin().exitStatus(5);
+    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 0);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 0);
+    EXPECT_EQ(gui.stdinBytes(), "ReinsertCard insertReinsertCard close");
+    EXPECT_EQ(newLog(), kLostStatusEntry + "\n");
     EXPECT_EQ(OrvelTest::childProcessCount(), 0);
     signal(SIGCHLD, SIG_DFL);
     expectHostGoesOn("SIGCHLD back at its default");
@@ -273,28 +212,17 @@ TEST_F(Faults, DialogsWorkWhenTheHostIgnoresSigchld)
 TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
 {
     auto interruptions = std::make_unique<OrvelTest::EveryMillisecondInterruptions>();
-
-    {
-        // The log section comes after 64 MiB: the whole reply must arrive.
-        FakeGui dialog;
-        dialog.reply("YesNoDialog yes ").fill(64u << 20, 'Q', " -log " + OrvelTest::base64("end")).sleepMs(50);
-        bool answer = false;
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
-        EXPECT_TRUE(answer);
-        EXPECT_EQ(newLog(), "log z GUI aplikace: end \n\n");
-    }
-    {
-        // Commands kept while the notice does not read go out under the
-        // interruptions too.
-        FakeGui notice;
-        const std::string gate = scratch_ + "/gate";
-        notice.gate(gate).readStdin().sleepMs(50).exitStatus(6);
-        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-        const std::string sent = sendSwitches((256u << 10) / 19);
-        std::ofstream(gate).put('\n');
-        EXPECT_EQ(ORV_ReinsertCardClose(), 6);
-        EXPECT_EQ(notice.stdinBytes(), sent + "ReinsertCard close");
-    }
+    // The log section comes after 64 MiB: the whole reply must arrive.
+    gui.reply("YesNoDialog yes ").fill(64u << 20, 'Q', " -log " + OrvelTest::base64("end")).sleepMs(50);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(newLog(), "log z GUI aplikace: end \n\n");
+    // Commands kept while the notice does not read go out under the
+    // interruptions too.
+    const std::string sent =
+        noticeAfterSwitches([](FakeGui &g) { g.readStdin().sleepMs(50).exitStatus(6); }, (256u << 10) / 19, 6);
+    EXPECT_EQ(gui.stdinBytes(), sent + "ReinsertCard close");
     EXPECT_GT(interruptions->count(), 20);
     interruptions.reset();
     expectHostGoesOn("after the interruptions");
@@ -304,7 +232,7 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
 {
     signal(SIGPIPE, SIG_DFL);
     const Watchdog watchdog(60);
-    const std::string gate = scratch_ + "/gate";
+    const std::string gate = scratch / "gate";
     // The first of two notices ends once its input ends; close reaps a notice
     // that ended before it or during it and gives its status either way.
     const std::function<long(FakeGui &)> runs[] = {
@@ -318,13 +246,13 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
         },
         [](FakeGui &g) {
             g.exitStatus(2);
-            EXPECT_EQ(ORV_ReinsertCardShow("m") + !childrenHaveExited(), 0);
+            EXPECT_EQ(ORV_ReinsertCardShow("m") + !OrvelTest::childrenHaveExited(), 0);
             return ORV_ReinsertCardClose() - 2;
         },
         [&](FakeGui &g) {
             g.gate(gate).sleepMs(5).exitStatus(2);
             EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
-            std::ofstream(gate).put('\n');
+            OrvelTest::writeFile(gate, "\n");
             return ORV_ReinsertCardClose() - 2;
         },
     };
@@ -334,7 +262,7 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
         // Right when the call returns, before any other call could tidy up.
         EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_);
         unlink(gate.c_str());
-        ASSERT_TRUE(childrenHaveExited());
+        ASSERT_TRUE(OrvelTest::childrenHaveExited());
         expectHostGoesOn("after run " + std::to_string(i));
     }
 }
@@ -405,7 +333,7 @@ TEST_F(Faults, OutOfMemoryAndOutOfDescriptorsGiveSevenAndSayWhy)
         EXPECT_EQ(result, 7);
         const std::string log = newLog();
         EXPECT_NE(log.find(c.entry), std::string::npos) << log;
-        ASSERT_TRUE(childrenHaveExited());
+        ASSERT_TRUE(OrvelTest::childrenHaveExited());
         expectHostGoesOn(c.entry);
     }
 }

@@ -1,15 +1,7 @@
 // End to end: the host tool orvel-dialogs, the library, and the reference GUI
 // application (found by the tool next to itself) in a pseudo-terminal, with
-// keys sent as a user would type them.
+// keys sent as a user would type them; or the scripted fake GUI application.
 #include "terminal_driver.hpp"
-
-#include "support/TempDir.hpp"
-
-#include <gtest/gtest.h>
-
-#include <sys/stat.h>
-
-#include <fstream>
 
 namespace {
 
@@ -18,313 +10,132 @@ using namespace OrvelTest;
 const std::string kTool = ORVEL_TEST_BUILD_DIR "/../tools/orvel-dialogs";
 const std::string kData = ORVEL_SOURCE_DIR "/tests/data/";
 
-struct Tool {
-    explicit Tool(std::vector<std::string> arguments, std::string folder = {}, bool terminal = true,
-                  bool pipeStdin = false)
-        : process([&] {
-              ::setenv("ORVEL_GUI_FRONTEND", "terminal", 1); // not the desktop, even with a display
-              ProcessOptions options;
-              options.argv = {kTool};
-              options.argv.insert(options.argv.end(), arguments.begin(), arguments.end());
-              options.pipeStdout = true; // the value, apart from what is drawn
-              options.pipeStdin = pipeStdin;
-              options.terminal = terminal;
-              options.workingDirectory = std::move(folder);
-              return options;
-          }())
-    {
-    }
-    DrivenProcess process;
-};
-
-class TempFolder {
-public:
-    TempFolder() : path(makeTempDir()) {}
-    ~TempFolder() { removeTree(path); }
-    void file(const std::string &name) const { std::ofstream(path + "/" + name) << "content"; }
-    const std::string path;
-};
-
-TEST(OrvelDialogsTool, YesNoPrintsTheAnswer)
+std::vector<Session> sessions()
 {
-    Tool tool({"yesno", "--lang", "en", "--message", "Continue?", "--info", "Details here"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Continue?"));
-    ASSERT_TRUE(p.waitForScreen("Details here"));
-    ASSERT_TRUE(p.waitForScreen("> 1. Yes"));
-    p.sendKeys(kKeyDown);
-    ASSERT_TRUE(p.waitForScreen("> 2. No"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), "no\n");
-}
-
-TEST(OrvelDialogsTool, EscapeCancelsWithStatusTwoInCzech)
-{
-    Tool tool({"yesno", "--lang", "cs", "--message", "Pokračovat?", "--button", "no", "--log"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("> 2. Ne"));
-    p.sendKeys(kKeyEscape);
-    EXPECT_EQ(p.waitExit(), 2);
-    EXPECT_EQ(p.standardOutput(), "");
-    EXPECT_TRUE(p.waitForScreen("Cancelled by the user.")); // the GUI's log, printed by --log
-}
-
-TEST(OrvelDialogsTool, MessageBoxCloses)
-{
-    Tool tool({"message", "--message", "Hello", "--info", "World", "--icon", "warning"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Warning"));
-    ASSERT_TRUE(p.waitForScreen("World"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-}
-
-TEST(OrvelDialogsTool, OpenBrowsesTheFilteredFolder)
-{
-    TempFolder folder;
-    folder.file("a.txt");
-    folder.file("b.pdf");
-    ::mkdir((folder.path + "/sub").c_str(), 0700);
-    folder.file("sub/c.txt");
-    Tool tool({"open", "--lang", "en", "--message", "Pick one", "--filter", "Text (txt)"}, folder.path);
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Filter: Text (txt)"));
-    ASSERT_TRUE(p.waitForScreen("3. sub/"));
-    ASSERT_TRUE(p.waitForScreen("4. a.txt"));
-    EXPECT_EQ(p.screen().find("b.pdf"), std::string::npos);
-    p.sendKeys("3");
-    ASSERT_TRUE(p.waitForScreen("> 3. sub/"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("3. c.txt"));
-    p.sendKeys("3");
-    ASSERT_TRUE(p.waitForScreen("> 3. c.txt"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), folder.path + "/sub/c.txt\n");
-}
-
-TEST(OrvelDialogsTool, SaveTakesATypedNameAndAsksBeforeReplacing)
-{
-    TempFolder folder;
-    folder.file("old.bin");
-    Tool tool({"save", "--lang", "en", "--message", "Where to?", "--filename", "old.bin"}, folder.path);
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.bin"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("exists. Replace it?"));
-    ASSERT_TRUE(p.waitForScreen("> 2. No"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.bin"));
-    p.sendKeys("\x7f\x7f\x7fnew");
-    ASSERT_TRUE(p.waitForScreen("File name: \x1b[0mold.new"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), folder.path + "/old.new\n");
-}
-
-TEST(OrvelDialogsTool, ReinsertFollowsTheCommandsOnStdin)
-{
-    Tool tool({"reinsert", "--lang", "sk", "--message", "Vyberte a vložte kartu"}, {}, true, true);
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Vyberte a vložte kartu"));
-    p.writeStdin("remove\n");
-    ASSERT_TRUE(p.waitForScreen("> Vyberte kartu z čítačky."));
-    p.writeStdin("insert\n");
-    ASSERT_TRUE(p.waitForScreen("> Vložte kartu do čítačky."));
-    p.writeStdin("close\n");
-    EXPECT_EQ(p.waitExit(), 0);
-}
-
-TEST(OrvelDialogsTool, ShowCertReadsADerFile)
-{
-    Tool tool({"show-cert", kData + "bob.der"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example"));
-    ASSERT_TRUE(p.waitForScreen("Key usage:\x1b[0m not restricted"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-}
-
-TEST(OrvelDialogsTool, SelectCertPrintsTheChosenIndex)
-{
-    Tool tool({"select-cert", "--lang", "en", "--force-days", "100000", kData + "alice.pem", kData + "bob.der"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("CN = Jiří Novák | valid until 2126-"));
-    ASSERT_TRUE(p.waitForScreen("RENEWAL REQUIRED by 2126-"));
-    ASSERT_TRUE(p.waitForScreen("2. C = SK, O = Orvel Test, CN = Bob Example"));
-    p.sendKeys(kKeyDown);
-    ASSERT_TRUE(p.waitForScreen("> 2. C = SK"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), "1\n");
-}
-
-TEST(OrvelDialogsTool, ConfirmSignatureWithAnotherCertificate)
-{
-    Tool tool({"confirm-signature", "--lang", "en", "--data", "Pay 100 EUR", "--rtf", "{\\rtf1 Pay}",
-               "--sign-version", "4.2", kData + "alice.pem", kData + "bob.der"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("Application version:\x1b[0m 4.2"));
-    ASSERT_TRUE(p.waitForScreen("Pay 100 EUR"));
-    ASSERT_TRUE(p.waitForScreen("{\\rtf1 Pay}"));
-    ASSERT_TRUE(p.waitForScreen("Hash algorithm:\x1b[0m SHA-256"));
-    // Computed by the tool from --data.
-    ASSERT_TRUE(p.waitForScreen("D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91"));
-    ASSERT_TRUE(p.waitForScreen("Certificate:\x1b[0m C = CZ"));
-    p.sendKeys("3");
-    ASSERT_TRUE(p.waitForScreen("> 3. Change the certificate"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("Select a certificate"));
-    p.sendKeys("2");
-    ASSERT_TRUE(p.waitForScreen("> 2. C = SK"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("Certificate:\x1b[0m C = SK"));
-    p.sendKeys("1");
-    ASSERT_TRUE(p.waitForScreen("> 1. Sign"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), "confirmed 1\n");
-}
-
-TEST(OrvelDialogsTool, CtrlCCancelsTheDialogButNotTheHost)
-{
-    Tool tool({"confirm-signature", "--lang", "en", "--data", "x", kData + "bob.der"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("> 2. Decline"));
-    p.sendKeys("\x03");
-    EXPECT_EQ(p.waitExit(), 2); // the GUI's status, passed on by the tool, not death by SIGINT
-    EXPECT_EQ(p.standardOutput(), "");
-}
-
-TEST(OrvelDialogsTool, APathTooLongForTheHostsBufferGivesEleven)
-{
-    TempFolder folder;
-    Tool tool({"save", "--lang", "en", "--buffer-size", "8", "--filename", "long-name.txt"}, folder.path);
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("long-name.txt"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 11);
-    EXPECT_EQ(p.standardOutput(), "");
-}
-
-TEST(OrvelDialogsTool, ReinsertWithoutATerminalStillTakesEveryCommand)
-{
-    Tool tool({"reinsert", "--message", "Card"}, {}, false, true);
-    auto &p = tool.process;
-    p.writeStdin("remove\ninsert\nremove\nclose\n");
-    EXPECT_EQ(p.waitExit(), 6); // from the close: the GUI found no terminal
-    EXPECT_EQ(p.screen().find("switching the text gave"), std::string::npos) << p.screen();
-}
-
-TEST(OrvelDialogsTool, Pkcs12PrintsPathAndPassword)
-{
-    Tool tool({"pkcs12", "--lang", "en", "--filename", kData + "id.p12", "--show-password"});
-    auto &p = tool.process;
-    ASSERT_TRUE(p.waitForScreen("PKCS#12 file: \x1b[0m" + kData + "id.p12"));
-    p.sendKeys(kKeyEnter);
-    ASSERT_TRUE(p.waitForScreen("Password: "));
-    p.sendKeys("päss");
-    ASSERT_TRUE(p.waitForScreen("****"));
-    p.sendKeys(kKeyEnter);
-    EXPECT_EQ(p.waitExit(), 0);
-    EXPECT_EQ(p.standardOutput(), kData + "id.p12\npäss\n");
-}
-
-struct ToolCase {
-    std::vector<std::string> arguments;
-    int status;
-    std::string expected; // in what the tool printed, stdout or stderr
-    std::string absent;   // never printed
-};
-
-void expectCases(const std::vector<ToolCase> &cases, const std::string &stdinText = {})
-{
-    for (const ToolCase &row : cases) {
-        Tool tool(row.arguments, {}, false, true);
-        auto &p = tool.process;
-        p.writeStdin(stdinText);
-        p.closeStdin();
-        const int status = p.waitExit();
-        const std::string printed = p.standardOutput() + p.screen();
-        SCOPED_TRACE(row.arguments.back() + ": " + printed);
-        EXPECT_EQ(status, row.status);
-        EXPECT_NE(printed.find(row.expected), std::string::npos);
-        if (!row.absent.empty()) {
-            EXPECT_EQ(printed.find(row.absent), std::string::npos);
-        }
-    }
-}
-
-TEST(OrvelDialogsTool, CommandLineErrorsNameTheirCause)
-{
-    const std::string alice = kData + "alice.pem";
-    expectCases({
-        {{"yesno", "--message", "Anyone?"}, 6, "found no user interface", ""},
-        {{"frobnicate"}, 64, "orvel-dialogs: The following argument was not expected: frobnicate", ""},
-        {{"yesno"}, 64, "--message or --message-file is required", ""},
-        {{"yesno", "--message", "a", "--message", "b"}, 64, "--message:", ""},
-        {{"message", "--lang", "en", "--message", "caf\xe9"}, 64, "--message: not valid UTF-8", ""},
-        {{"select-cert", "--selected", "5", alice}, 64, "--selected: 5 is not below the number of certificates (1)",
-         ""},
-        {{"show-cert", "missing.pem"}, 66, "missing.pem: cannot read: No such file or directory", ""},
-        {{"select-cert", alice, "missing.pem"}, 66, "missing.pem: cannot read: No such file or directory", ""},
-        {{"select-cert", kData + "../gui_app_test.cpp"}, 66, "not a PEM or DER certificate", ""},
-        {{"--lang", "en", "--app", "/nonexistent", "yesno", "--message", "hi"}, 7,
-         "cause: no application bundle with an executable at \"/nonexistent\"", "libOrvelGUIDialogs.so"},
-        {{"--lang", "cs", "--app", "/nonexistent", "yesno", "--message", "hi"}, 7, "výsledek 7: výměna", ""},
-        {{"save", "--help"}, 0, "--buffer-size", ""},
-        {{"-V"}, 0, "orvel-dialogs " ORVEL_PROJECT_VERSION, ""},
-    });
-}
-
-// Replies of the scripted fake GUI application, through the tool.
-TEST(OrvelDialogsTool, ResultsLogAndJsonForScripts)
-{
+    const std::string alice = kData + "alice.pem", bob = kData + "bob.der", id = kData + "id.p12";
     const std::string app = ORVEL_FAKE_GUI_BUNDLE;
-    // "a", an escape sequence, tab, carriage return, a C1 control, "z".
-    const std::string guiLog = "YRtbMzFtYgljDcKbego="; // Base64 of "a\x1b[31mb\tc\r\u009bz\n"
-    struct Reply {
-        const char *reply;
-        const char *exit;
-        ToolCase expected;
+    // With no terminal, and the input ended at once: the status, what the tool
+    // printed (standard output or error), and what it must not print.
+    const auto ends = [](int status, const std::string &printed, const std::string &absent = "") {
+        std::vector<Step> steps{endInput(), exits(status), shows(printed)};
+        if (!absent.empty())
+            steps.push_back(lacks(absent));
+        return steps;
     };
-    const std::vector<Reply> replies = {
-        {"MessageBox -log ", "0",
-         {{"--lang", "en", "--app", app, "--log", "message", "--message", "m"}, 0,
-          "GUI application log: a\\x1B[31mb\tc\\x0D\\u009Bz", "\x1b"}},
-        {"SelectPKCS12 L2EucDEy c2VjcmV0 -log ", "0",
-         {{"--app", app, "--log", "--json", "pkcs12"}, 0,
-          "{\"result\":0,\"meaning\":\"success\",\"value\":{\"path\":\"/a.p12\"}}", "c2VjcmV0"}},
-        {"SelectPKCS12 L2EucDEy c2VjcmV0 -log ", "0",
-         {{"--app", app, "--log", "pkcs12"}, 0, "SelectPKCS12 L2EucDEy ******** -log", "c2VjcmV0"}},
-        {"YesNoDialog no -log ", "0", {{"--app", app, "--answer-status", "yesno", "--message", "m"}, 1, "no\n", ""}},
-        {"SignatureConfirm -result 1 -selectedCert 0 -log ", "0",
-         {{"--app", app, "--answer-status", "--json", "confirm-signature", "--data", "x", kData + "bob.der"}, 0,
-          "\"value\":{\"confirmed\":true,\"index\":0}}", ""}},
-        {"MessageBox -log ", "5",
-         {{"--lang", "en", "--app", app, "--json", "message", "--message", "m"}, 5,
-          "\"cause\":\"GUI application log: a\\\\x1B[31mb\\tc\\\\x0D\\\\u009Bz\"", ""}},
+    // The fake GUI application's reply and status. Its log holds "a", an escape
+    // sequence, tab, carriage return, a C1 control and "z".
+    const auto replying = [](const std::string &reply, const std::string &status = "0") {
+        return std::vector<std::string>{"FAKEGUI_REPLY=" + reply + "YRtbMzFtYgljDcKbego=", "FAKEGUI_EXIT=" + status};
     };
-    for (const Reply &reply : replies) {
-        ::setenv("FAKEGUI_REPLY", (reply.reply + guiLog).c_str(), 1);
-        ::setenv("FAKEGUI_EXIT", reply.exit, 1);
-        expectCases({reply.expected});
-    }
+    const std::string pkcs12Reply = "SelectPKCS12 L2EucDEy c2VjcmV0 -log ";
+    const std::string escapedLog = "GUI application log: a\\x1B[31mb\tc\\x0D\\u009Bz";
+    return {
+        {"YesNoPrintsTheAnswer", {"yesno", "--lang", "en", "--message", "Continue?", "--info", "Details here"},
+         {see("Continue?"), see("Details here"), see("> 1. Yes"), keys(kKeyDown), see("> 2. No"), keys(kKeyEnter),
+          exits(0), prints("no\n")}},
+        // --log prints the GUI's log.
+        {"EscapeCancelsWithStatusTwoInCzech",
+         {"yesno", "--lang", "cs", "--message", "Pokračovat?", "--button", "no", "--log"},
+         {see("> 2. Ne"), keys(kKeyEscape), exits(2), prints(""), see("Cancelled by the user.")}},
+        {"MessageBoxCloses", {"message", "--message", "Hello", "--info", "World", "--icon", "warning"},
+         {see("Warning"), see("World"), keys(kKeyEnter), exits(0)}},
+        {"OpenBrowsesTheFilteredFolder", {"open", "--lang", "en", "--message", "Pick one", "--filter", "Text (txt)"},
+         {see("Filter: Text (txt)"), see("3. sub/"), see("4. a.txt"), lacks("b.pdf"), keys("3"), see("> 3. sub/"),
+          keys(kKeyEnter), see("3. c.txt"), keys("3"), see("> 3. c.txt"), keys(kKeyEnter), exits(0),
+          prints("{dir}/sub/c.txt\n")},
+         true, {}, {{"a.txt", "content"}, {"b.pdf", "content"}, {"sub/c.txt", "content"}}},
+        {"SaveTakesATypedNameAndAsksBeforeReplacing",
+         {"save", "--lang", "en", "--message", "Where to?", "--filename", "old.bin"},
+         {see("File name: \x1b[0mold.bin"), keys(kKeyEnter), see("exists. Replace it?"), see("> 2. No"),
+          keys(kKeyEnter), see("File name: \x1b[0mold.bin"), keys("\x7f\x7f\x7fnew"), see("File name: \x1b[0mold.new"),
+          keys(kKeyEnter), exits(0), prints("{dir}/old.new\n")},
+         true, {}, {{"old.bin", "content"}}},
+        {"ReinsertFollowsTheCommandsOnStdin", {"reinsert", "--lang", "sk", "--message", "Vyberte a vložte kartu"},
+         {see("Vyberte a vložte kartu"), input("remove\n"), see("> Vyberte kartu z čítačky."), input("insert\n"),
+          see("> Vložte kartu do čítačky."), input("close\n"), exits(0)}},
+        {"ShowCertReadsADerFile", {"show-cert", bob},
+         {see("Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example"), see("Key usage:\x1b[0m not restricted"),
+          keys(kKeyEnter), exits(0)}},
+        {"SelectCertPrintsTheChosenIndex", {"select-cert", "--lang", "en", "--force-days", "100000", alice, bob},
+         {see("CN = Jiří Novák | valid until 2126-"), see("RENEWAL REQUIRED by 2126-"),
+          see("2. C = SK, O = Orvel Test, CN = Bob Example"), keys(kKeyDown), see("> 2. C = SK"), keys(kKeyEnter),
+          exits(0), prints("1\n")}},
+        // The hash is the tool's own, of --data.
+        {"ConfirmSignatureWithAnotherCertificate",
+         {"confirm-signature", "--lang", "en", "--data", "Pay 100 EUR", "--rtf", "{\\rtf1 Pay}", "--sign-version", "4.2",
+          alice, bob},
+         {see("Application version:\x1b[0m 4.2"), see("Pay 100 EUR"), see("{\\rtf1 Pay}"),
+          see("Hash algorithm:\x1b[0m SHA-256"), see("D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91"),
+          see("Certificate:\x1b[0m C = CZ"), keys("3"), see("> 3. Change the certificate"), keys(kKeyEnter),
+          see("Select a certificate"), keys("2"), see("> 2. C = SK"), keys(kKeyEnter), see("Certificate:\x1b[0m C = SK"),
+          keys("1"), see("> 1. Sign"), keys(kKeyEnter), exits(0), prints("confirmed 1\n")}},
+        // The GUI's status, passed on by the tool, not death by SIGINT.
+        {"CtrlCCancelsTheDialogButNotTheHost", {"confirm-signature", "--lang", "en", "--data", "x", bob},
+         {see("> 2. Decline"), keys("\x03"), exits(2), prints("")}},
+        {"APathTooLongForTheHostsBufferGivesEleven",
+         {"save", "--lang", "en", "--buffer-size", "8", "--filename", "long-name.txt"},
+         {see("long-name.txt"), keys(kKeyEnter), exits(11), prints("")}},
+        // 6 from the close: the GUI found no terminal.
+        {"ReinsertWithoutATerminalStillTakesEveryCommand", {"reinsert", "--message", "Card"},
+         {input("remove\ninsert\nremove\nclose\n"), exits(6), lacks("switching the text gave")}, false},
+        {"Pkcs12PrintsPathAndPassword", {"pkcs12", "--lang", "en", "--filename", id, "--show-password"},
+         {see("PKCS#12 file: \x1b[0m" + id), keys(kKeyEnter), see("Password: "), keys("päss"), see("****"),
+          keys(kKeyEnter), exits(0), prints(id + "\npäss\n")}},
+        {"NoUserInterfaceWithoutATerminal", {"yesno", "--message", "Anyone?"}, ends(6, "found no user interface"), false},
+        {"UnknownCommand", {"frobnicate"}, ends(64, "orvel-dialogs: The following argument was not expected: frobnicate"),
+         false},
+        {"MissingMessage", {"yesno"}, ends(64, "--message or --message-file is required"), false},
+        {"RepeatedMessage", {"yesno", "--message", "a", "--message", "b"}, ends(64, "--message:"), false},
+        {"MessageThatIsNoUtf8", {"message", "--lang", "en", "--message", "caf\xe9"}, ends(64, "--message: not valid UTF-8"),
+         false},
+        {"PreselectedBeyondTheList", {"select-cert", "--selected", "5", alice},
+         ends(64, "--selected: 5 is not below the number of certificates (1)"), false},
+        {"MissingCertificate", {"show-cert", "missing.pem"},
+         ends(66, "missing.pem: cannot read: No such file or directory"), false},
+        {"OneOfTheCertificatesMissing", {"select-cert", alice, "missing.pem"},
+         ends(66, "missing.pem: cannot read: No such file or directory"), false},
+        {"NotACertificate", {"select-cert", kData + "../gui_app_test.cpp"}, ends(66, "not a PEM or DER certificate"), false},
+        {"MissingApplicationNamesTheCause", {"--lang", "en", "--app", "/nonexistent", "yesno", "--message", "hi"},
+         ends(7, "cause: no application bundle with an executable at \"/nonexistent\"", "libOrvelGUIDialogs.so"), false},
+        {"MissingApplicationInCzech", {"--lang", "cs", "--app", "/nonexistent", "yesno", "--message", "hi"},
+         ends(7, "výsledek 7: výměna"), false},
+        {"Help", {"save", "--help"}, ends(0, "--buffer-size"), false},
+        {"Version", {"-V"}, ends(0, "orvel-dialogs " ORVEL_PROJECT_VERSION), false},
+        {"ATextTooLongForTheCommandLineNamesTheCause", {"--lang", "en", "message", "--message-file", "{dir}/long.txt"},
+         ends(7, "cause: posix_spawn", "Argument list too long\n/"), false, {}, {{"long.txt", std::string(200000, 'a')}}},
+        // A command that is none ends the tool with 65 after closing the
+        // notice; --log still prints the log.
+        {"ReinsertMessageNotFromStdin", {"--lang", "en", "--log", "reinsert", "--message-file", "-"},
+         ends(64, "give a file"), false},
+        {"ReinsertRefusesAnUnknownCommand", {"--lang", "en", "--log", "reinsert", "--message", "Card"},
+         {input("remove\nbogus\nclose\n"), endInput(), exits(65), shows("line 2: unknown command 'bogus'")}, false},
+        // Replies of the scripted fake GUI application: the log escaped, the
+        // password never printed, JSON for scripts.
+        {"LogIsEscaped", {"--lang", "en", "--app", app, "--log", "message", "--message", "m"}, ends(0, escapedLog, "\x1b"),
+         false, replying("MessageBox -log ")},
+        {"JsonLeavesThePasswordOut", {"--app", app, "--log", "--json", "pkcs12"},
+         ends(0, "{\"result\":0,\"meaning\":\"success\",\"value\":{\"path\":\"/a.p12\"}}", "c2VjcmV0"), false,
+         replying(pkcs12Reply)},
+        {"LoggedReplyHidesThePassword", {"--app", app, "--log", "pkcs12"},
+         ends(0, "SelectPKCS12 L2EucDEy ******** -log", "c2VjcmV0"), false, replying(pkcs12Reply)},
+        {"AnswerStatus", {"--app", app, "--answer-status", "yesno", "--message", "m"}, ends(1, "no\n"), false,
+         replying("YesNoDialog no -log ")},
+        {"JsonAnswer", {"--app", app, "--answer-status", "--json", "confirm-signature", "--data", "x", bob},
+         ends(0, "\"value\":{\"confirmed\":true,\"index\":0}}"), false,
+         replying("SignatureConfirm -result 1 -selectedCert 0 -log ")},
+        {"JsonCauseHoldsTheEscapedLog", {"--lang", "en", "--app", app, "--json", "message", "--message", "m"},
+         ends(5, "\"cause\":\"GUI application log: a\\\\x1B[31mb\\tc\\\\x0D\\\\u009Bz\""), false,
+         replying("MessageBox -log ", "5")},
+    };
 }
 
-TEST(OrvelDialogsTool, TextsFromFilesAndBadReinsertCommands)
+class ToolSession : public testing::TestWithParam<Session> {};
+
+TEST_P(ToolSession, Runs)
 {
-    TempFolder folder;
-    std::ofstream(folder.path + "/long.txt") << std::string(200000, 'a');
-    expectCases({{{"--lang", "en", "message", "--message-file", folder.path + "/long.txt"}, 7,
-                  "cause: posix_spawn", "Argument list too long\n/"}});
-    // A command that is none ends the tool with 65 after closing the notice;
-    // --log still prints the log.
-    expectCases({{{"--lang", "en", "--log", "reinsert", "--message-file", "-"}, 64, "give a file", ""},
-                 {{"--lang", "en", "--log", "reinsert", "--message", "Card"}, 65,
-                  "line 2: unknown command 'bogus'", ""}},
-                "remove\nbogus\nclose\n");
+    play(kTool, GetParam(), false);
 }
+
+INSTANTIATE_TEST_SUITE_P(OrvelDialogsTool, ToolSession, testing::ValuesIn(sessions()), sessionName);
 
 } // namespace

@@ -13,9 +13,7 @@
 
 #include <plist/plist.h>
 
-#include <sys/stat.h>
-
-#include <fstream>
+#include <filesystem>
 #include <limits>
 
 namespace {
@@ -56,26 +54,10 @@ TEST(HostText, AcceptsOnlyStrictUtf8)
 
 class Bundles : public testing::Test {
 protected:
-    void SetUp() override { root_ = OrvelTest::makeTempDir(); }
-    void TearDown() override { OrvelTest::removeTree(root_); }
-
-    std::string path(const std::string &relative) const { return root_ + "/" + relative; }
-    void makeDirs(const std::string &relative) const
-    {
-        std::string current = root_;
-        size_t start = 0;
-        while (start < relative.size()) {
-            const size_t slash = relative.find('/', start);
-            current += "/" + relative.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
-            mkdir(current.c_str(), 0755);
-            if (slash == std::string::npos)
-                break;
-            start = slash + 1;
-        }
-    }
+    std::string path(const std::string &relative) const { return root_ / relative; }
     void writeFile(const std::string &relative, const std::string &bytes) const
     {
-        std::ofstream(path(relative), std::ios::binary) << bytes;
+        OrvelTest::writeFile(path(relative), bytes);
     }
     void writeInfoPlist(const std::string &relative, const std::string &executable, bool binary) const
     {
@@ -89,22 +71,17 @@ protected:
         plist_free(dict);
     }
 
-    std::string root_;
+    const OrvelTest::TempFolder root_;
 };
 
 TEST_F(Bundles, FindTheExecutableInEitherLayout)
 {
-    makeDirs("Mac.app/Contents/MacOS");
     writeInfoPlist("Mac.app/Contents/Info.plist", "Runner", false);
     writeFile("Mac.app/Contents/MacOS/Runner", "");
-    makeDirs("Flat.app");
     writeInfoPlist("Flat.app/Info.plist", "flat-runner", true);
     writeFile("Flat.app/flat-runner", "");
-    makeDirs("Bare.app/Contents/MacOS");
     writeFile("Bare.app/Contents/MacOS/Bare", "");
-    makeDirs("Plain");
     writeFile("Plain/Plain", "");
-
     const std::pair<std::string, std::string> found[] = {
         {"Mac.app", "Mac.app/Contents/MacOS/Runner"},
         {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
@@ -118,14 +95,12 @@ TEST_F(Bundles, FindTheExecutableInEitherLayout)
 
 TEST_F(Bundles, NothingForWhatIsNoBundleWithAnExecutable)
 {
-    makeDirs("Missing.app/Contents");
     writeInfoPlist("Missing.app/Contents/Info.plist", "Gone", false);
-    makeDirs("Escape.app/Contents/MacOS");
     writeInfoPlist("Escape.app/Contents/Info.plist", "../../../bin/sh", false);
-    makeDirs("Broken.app/Contents/MacOS");
+    std::filesystem::create_directories(path("Escape.app/Contents/MacOS"));
     writeFile("Broken.app/Contents/Info.plist", "not a property list");
     writeFile("Broken.app/Contents/MacOS/Broken", "");
-    makeDirs("Empty.app");
+    std::filesystem::create_directories(path("Empty.app"));
     writeFile("file.app", "");
     for (const std::string bundle : {"Missing.app", "Escape.app", "Broken.app", "Empty.app", "file.app", "nowhere.app"})
         EXPECT_FALSE(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)).has_value()) << bundle;

@@ -1,11 +1,12 @@
 // A dialog test: the fake GUI scripted for this test, the library pointed at
-// it, and the log as it grew during the test.
+// it, a scratch folder, and the log as it grew during the test.
 #pragma once
 
 #include <OrvelGUIDialogs/OrvelGUIDialogs.h>
 
 #include "support/FakeGui.hpp"
 #include "support/LogReader.hpp"
+#include "support/TempDir.hpp"
 
 #include <gtest/gtest.h>
 
@@ -29,6 +30,7 @@ protected:
     }
 
     FakeGui gui;
+    TempFolder scratch;
 
 private:
     size_t logStart_ = 0;
@@ -39,5 +41,24 @@ inline bool isExceptionEntry(const std::string &log)
 {
     return log.rfind("Exception occured:\n", 0) == 0 && log.size() > 20;
 }
+
+// Host-owned certificate records with their own storage: "DER<i>", signed by
+// "CN=Signer <i>", 30 - i days left, the second one to be renewed.
+struct Records {
+    explicit Records(unsigned int count)
+    {
+        for (unsigned int i = 0; i < count; ++i) {
+            data.push_back("DER" + std::to_string(i));
+            subjects.push_back("CN=Signer " + std::to_string(i));
+        }
+        for (unsigned int i = 0; i < count; ++i)
+            records.push_back({data[i].data(), static_cast<unsigned int>(data[i].size()), subjects[i].data(),
+                               notAfter.data(), deadline.data(), 30 - static_cast<int>(i), i == 1, false});
+    }
+    unsigned int count() const { return static_cast<unsigned int>(records.size()); }
+    std::vector<std::string> data, subjects;
+    std::string notAfter = "2027-01-31", deadline = "2026-12-31";
+    std::vector<ORV_Certificate> records;
+};
 
 } // namespace OrvelTest

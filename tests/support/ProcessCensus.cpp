@@ -3,9 +3,11 @@
 #include <dirent.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
+#include <thread>
 
 namespace OrvelTest {
 namespace {
@@ -67,6 +69,13 @@ int zombieChildCount()
     int count = 0;
     forEachChild([&](char state) { count += state == 'Z'; });
     return count;
+}
+
+bool childrenHaveExited()
+{
+    for (int i = 0; i < 1000 && childProcessCount() != zombieChildCount(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return childProcessCount() == zombieChildCount();
 }
 
 } // namespace OrvelTest

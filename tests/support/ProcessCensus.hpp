@@ -10,5 +10,7 @@ int openDescriptorCount();
 int childProcessCount();
 // Children of this process that have exited but were not reaped.
 int zombieChildCount();
+// Waits (for ten seconds at most) until every child has exited.
+bool childrenHaveExited();
 
 } // namespace OrvelTest

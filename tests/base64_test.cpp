@@ -1,3 +1,7 @@
+// The two Base64 codecs: Util's, which stops at the first byte outside the
+// alphabet, and the certificate list's, which skips such bytes. They encode
+// alike.
+#include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/Util.hpp>
 
 #include <gtest/gtest.h>
@@ -30,13 +34,9 @@ TEST(UtilBase64, EncodesWithPaddingAndNothingElse)
         EXPECT_EQ(encode(c.input), c.expected) << c.input;
 }
 
-TEST(UtilBase64, EncodeWithZeroLengthNeverReadsThePointer)
-{
-    EXPECT_EQ(Util::Base64Encode(nullptr, 0), "");
-}
-
 TEST(UtilBase64, EncodedLengthIsFourPerStartedGroup)
 {
+    EXPECT_EQ(Util::Base64Encode(nullptr, 0), ""); // the pointer is never read
     for (unsigned n : {1u, 2u, 3u, 999u, 1000u, 1001u})
         EXPECT_EQ(encode(std::string(n, 'x')).size(), 4 * ((n + 2) / 3)) << n;
 }
@@ -54,15 +54,33 @@ TEST(UtilBase64, DecodeStopsAtTheFirstCharacterOutsideTheAlphabet)
         EXPECT_EQ(Util::Base64Decode(c.input), c.expected) << c.input;
 }
 
-TEST(UtilBase64, RoundTripsEveryByteValue)
+TEST(CertificateBase64, DecodeSkipsForeignBytesStopsAtPaddingAndDropsAnOpenGroup)
+{
+    const Case cases[] = {
+        {"QUJD", "ABC"},        {"QUI=", "AB"},          {"QUI", ""},          {"QQ==", "A"},
+        {"QUJDRA", "ABC"},      {"QUJD\nREVG", "ABCDEF"}, {"QUJD REVG", "ABCDEF"}, {"QU-JD", "ABC"},
+        {"=QUJD", ""},          {"QUJD=REVG", "ABC"},    {"QU=I", "A"},        {"////", "\xFF\xFF\xFF"},
+        {"", ""},               {"Q\tU\rJ_D\x01", "ABC"}, {"QU\xC3\xA1JD", "ABC"}, {"AAAA", std::string("\0\0\0", 3)},
+        // One value before "=": one byte, the value in its upper six bits
+        // and zeros below ('Q' is 16, 'R' 17).
+        {"Q=", "\x40"},         {"QUJDR=", "ABC\x44"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Certificate::b64StringToData(c.input), c.expected) << c.input;
+}
+
+TEST(Base64, BothRoundTripEveryByteValueAndEncodeAlike)
 {
     std::string bytes;
     for (int i = 0; i < 256; ++i)
         bytes.push_back(static_cast<char>(i));
     for (size_t cut = 0; cut < 4; ++cut) {
-        const std::string part = bytes.substr(cut);
-        EXPECT_EQ(Util::Base64Decode(encode(part)), part);
+        const std::string part = bytes.substr(cut), text = encode(part);
+        EXPECT_EQ(Util::Base64Decode(text), part);
+        EXPECT_EQ(Certificate::dataToBase64String(part), text);
+        EXPECT_EQ(Certificate::b64StringToData(text), part);
     }
+    EXPECT_EQ(Certificate::dataToBase64String(""), "");
 }
 
 // Long texts take the wide (vector) paths; each short piece of them takes the
@@ -106,11 +124,9 @@ TEST(UtilBase64, ByteAboveAsciiThatTheLocaleCallsAlphanumericJoinsAGroupWithValu
     std::setlocale(LC_CTYPE, "C");
 }
 
-TEST(UtilClass, InstancesCanBeMadeAndDestroyedThroughTheBase)
+TEST(UtilClass, InstancesCanBeMadeAndDestroyed)
 {
-    Util *util = new Util();
-    delete util;
-    SUCCEED();
+    delete new Util();
 }
 
 } // namespace
