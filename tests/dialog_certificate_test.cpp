@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(CertificateDialogs, RefusedArgumentsStartNothingAndLogNothing)
+TEST_F(CertificateDialogs, SpoiltRecordsAreRefusedBeforeAnythingStarts)
 {
     using Mutation = std::function<void(Records &, unsigned int &)>;
     const std::pair<const char *, Mutation> cases[] = {
@@ -56,34 +56,8 @@ TEST_F(CertificateDialogs, RefusedArgumentsStartNothingAndLogNothing)
         EXPECT_EQ(selected, before);
         EXPECT_TRUE(confirmed);
     }
-    Records records(2);
-    unsigned int selected = 0;
-    EXPECT_EQ(ORV_SelectCertificate(records.records.data(), 0, &selected), 1);
-    EXPECT_EQ(ORV_SelectCertificate(nullptr, 2, &selected), 1);
-    EXPECT_EQ(ORV_SelectCertificate(records.records.data(), 2, nullptr), 1);
-    EXPECT_EQ(ORV_ConfirmSignature(records.records.data(), 2, &selected, "d", nullptr, "a", "v", nullptr), 1);
-    ORV_SetAppPath(nullptr);
-    EXPECT_EQ(ORV_SelectCertificate(nullptr, 0, nullptr), 9);
-    EXPECT_EQ(ORV_ConfirmSignature(nullptr, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr), 9);
     EXPECT_FALSE(gui.ran());
     EXPECT_EQ(newLog(), "");
-}
-
-TEST_F(CertificateDialogs, BadRecordTextsTakeTheExceptionPathBeforeAnythingStarts)
-{
-    Records records(2);
-    records.records[1].renewDeadlineStr = nullptr;
-    unsigned int selected = 0;
-    bool confirmed = false;
-    EXPECT_EQ(select(records, selected), 7);
-    EXPECT_TRUE(OrvelTest::isExceptionEntry(newLog()));
-    Records invalid(2);
-    invalid.subjects[0] = "\xC3\x28";
-    invalid.records[0].subjectStr = invalid.subjects[0].data();
-    EXPECT_EQ(confirm(invalid, selected, confirmed), 7);
-    const std::string log = newLog();
-    EXPECT_EQ(log.rfind("Input parameters checked\nCreating certificates array\nException occured:\n", 0), 0u) << log;
-    EXPECT_FALSE(gui.ran());
 }
 
 TEST_F(CertificateDialogs, SelectionPassesTheListInRecordOrder)
@@ -213,43 +187,6 @@ TEST_F(CertificateDialogs, ConfirmationReadsAnswerThenIndex)
             EXPECT_EQ(log.find("Unknown error"), std::string::npos);
         }
     }
-}
-
-TEST_F(CertificateDialogs, ConfirmationFailsOnTheExceptionPathForMissingTexts)
-{
-    Records records(1);
-    unsigned int selected = 0;
-    bool confirmed = false;
-    const unsigned int one = 1;
-    const std::function<long()> calls[] = {
-        [&] { return ORV_ConfirmSignature(records.records.data(), one, &selected, nullptr, nullptr, "a", "v", &confirmed); },
-        [&] { return ORV_ConfirmSignature(records.records.data(), one, &selected, "d", nullptr, nullptr, "v", &confirmed); },
-        [&] { return ORV_ConfirmSignature(records.records.data(), one, &selected, "d", nullptr, "a", "\xFF", &confirmed); },
-        [&] {
-            ORV_SetOrvelSignVersion(nullptr);
-            return ORV_ConfirmSignature(records.records.data(), one, &selected, "d", nullptr, "a", "v", &confirmed);
-        },
-    };
-    for (const auto &call : calls) {
-        EXPECT_EQ(call(), 7);
-        const std::string log = newLog();
-        EXPECT_EQ(log.rfind("Input parameters checked\nCreating certificates array\nException occured:\n", 0), 0u) << log;
-    }
-    EXPECT_FALSE(gui.ran());
-}
-
-TEST_F(CertificateDialogs, AListTooLongForTheCommandLineFailsWithTheReason)
-{
-    // One argument holds at most 128 KiB on Linux.
-    std::string der(96 * 1024, '\x30');
-    std::string subject = "CN=Big", date = "2030-01-01";
-    ORV_Certificate big{der.data(), static_cast<unsigned int>(der.size()), subject.data(), date.data(), date.data(), 1, false, false};
-    unsigned int selected = 0;
-    EXPECT_EQ(ORV_SelectCertificate(&big, 1, &selected), 7);
-    const std::string log = newLog();
-    EXPECT_TRUE(OrvelTest::isExceptionEntry(log));
-    EXPECT_NE(log.find("Argument list too long"), std::string::npos) << log.substr(0, 200);
-    EXPECT_FALSE(gui.ran());
 }
 
 } // namespace

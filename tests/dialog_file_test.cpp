@@ -1,84 +1,17 @@
-// File open, file save and PKCS#12 selection: host buffers are allocated to
-// their exact size, so that under AddressSanitizer a one-byte overrun fails.
+// File open, file save and PKCS#12 selection: what reaches the host's buffers
+// of exact size; and the file filter's patterns.
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-
-#include <algorithm>
-#include <cstring>
-#include <memory>
+#include "support/HostBuffer.hpp"
 
 using OrvelTest::base64;
+using OrvelTest::HostBuffer;
 using OrvelTest::replyWithLog;
-using Args = std::vector<std::string>;
 
 namespace {
 
-// A heap buffer of exactly `size` bytes, filled with 'x'.
-struct HostBuffer {
-    explicit HostBuffer(unsigned int size) : size(size), bytes(new char[size])
-    {
-        std::fill(bytes.get(), bytes.get() + size, 'x');
-    }
-    std::string text() const { return std::string(bytes.get()); }
-    bool clearedExceptLast() const
-    {
-        return std::all_of(bytes.get(), bytes.get() + size - 1, [](char c) { return c == 0; }) &&
-               bytes[size - 1] == 'x';
-    }
-    bool allZero() const { return std::all_of(bytes.get(), bytes.get() + size, [](char c) { return c == 0; }); }
-    bool untouched() const { return std::all_of(bytes.get(), bytes.get() + size, [](char c) { return c == 'x'; }); }
-    unsigned int size;
-    std::unique_ptr<char[]> bytes;
-};
-
 class FileDialogs : public OrvelTest::DialogTest {};
-
-TEST_F(FileDialogs, ChecksComeBeforeTheBufferIsTouched)
-{
-    HostBuffer buffer(8), value(8);
-    ORV_SetAppPath(nullptr);
-    EXPECT_EQ(ORV_FileOpenDialog("m", nullptr, nullptr, 8, nullptr), 9);
-    EXPECT_EQ(ORV_SelectPKCS12(nullptr, 0, nullptr, 0), 9);
-    ORV_SetAppPath(OrvelTest::FakeGui::bundlePath().c_str());
-    EXPECT_EQ(ORV_FileOpenDialog("m", nullptr, buffer.bytes.get(), 0, nullptr), 1);
-    EXPECT_EQ(ORV_FileSaveDialog("m", nullptr, nullptr, 8, nullptr), 1);
-    EXPECT_EQ(ORV_SelectPKCS12(buffer.bytes.get(), 8, value.bytes.get(), 0), 1);
-    EXPECT_EQ(ORV_SelectPKCS12(buffer.bytes.get(), 0, value.bytes.get(), 8), 1);
-    EXPECT_EQ(ORV_SelectPKCS12(buffer.bytes.get(), 8, nullptr, 8), 1);
-    EXPECT_TRUE(buffer.untouched());
-    EXPECT_TRUE(value.untouched());
-    EXPECT_FALSE(gui.ran());
-    EXPECT_EQ(newLog(), "");
-}
-
-TEST_F(FileDialogs, PassExactlyTheirArgumentLists)
-{
-    gui.reply(replyWithLog("File " + base64("/p") + " " + base64("v")));
-    ORV_SetLanguage(2);
-    HostBuffer buffer(64), value(64);
-    ORV_FileOpenDialog("Open it", "ignored.txt", buffer.bytes.get(), buffer.size, "Docs (pdf)");
-    EXPECT_EQ(gui.arguments(), (Args{"-window", "FileOpen", "-lang", "2", "-message", "Open it", "-fileFilter", "Docs (pdf)"}));
-    ORV_FileOpenDialog("Open it", nullptr, buffer.bytes.get(), buffer.size, nullptr);
-    EXPECT_EQ(gui.arguments(), (Args{"-window", "FileOpen", "-lang", "2", "-message", "Open it", "-fileFilter", ""}));
-    ORV_FileSaveDialog("Save", nullptr, buffer.bytes.get(), buffer.size, nullptr);
-    EXPECT_EQ(gui.arguments(),
-              (Args{"-window", "FileSave", "-lang", "2", "-message", "Save", "-fileFilter", "", "-filename", ""}));
-    ORV_FileSaveDialog("Save", "out.pdf", buffer.bytes.get(), buffer.size, "All (*)");
-    EXPECT_EQ(gui.arguments(), (Args{"-window", "FileSave", "-lang", "2", "-message", "Save", "-fileFilter", "All (*)",
-                                     "-filename", "out.pdf"}));
-    // The PKCS#12 buffer is both the starting name and the answer.
-    std::strcpy(buffer.bytes.get(), "cert.p12");
-    ORV_SelectPKCS12(buffer.bytes.get(), buffer.size, value.bytes.get(), value.size);
-    EXPECT_EQ(gui.arguments(), (Args{"-window", "SelectPKCS12", "-lang", "2", "-filename", "cert.p12"}));
-    buffer.bytes[0] = 0;
-    ORV_SelectPKCS12(buffer.bytes.get(), buffer.size, value.bytes.get(), value.size);
-    EXPECT_EQ(gui.arguments(), (Args{"-window", "SelectPKCS12", "-lang", "2", "-filename", ""}));
-    // A name filling the buffer with no zero is read within the buffer only.
-    HostBuffer full(4);
-    ORV_SelectPKCS12(full.bytes.get(), full.size, value.bytes.get(), value.size);
-    EXPECT_EQ(gui.arguments().back(), "xxxx");
-}
 
 TEST_F(FileDialogs, ThePathIsCopiedOnlyWhenItFits)
 {
@@ -127,20 +60,6 @@ TEST_F(FileDialogs, SaveLogsTheRawReplyBeforeTheGuiLog)
     gui.reply(replyWithLog("FileOpen " + base64("/x"), "gui said"));
     EXPECT_EQ(ORV_FileOpenDialog("m", nullptr, buffer.bytes.get(), buffer.size, nullptr), 0);
     EXPECT_EQ(newLog(), "log z GUI aplikace: gui said \n\n");
-}
-
-TEST_F(FileDialogs, BadTextsTakeTheExceptionPathWithTheBufferCleared)
-{
-    HostBuffer buffer(8);
-    EXPECT_EQ(ORV_FileOpenDialog(nullptr, nullptr, buffer.bytes.get(), buffer.size, nullptr), 7);
-    EXPECT_TRUE(buffer.clearedExceptLast());
-    EXPECT_EQ(ORV_FileSaveDialog("m", "\xFF", buffer.bytes.get(), buffer.size, nullptr), 7);
-    EXPECT_EQ(ORV_FileOpenDialog("m", nullptr, buffer.bytes.get(), buffer.size, "\xC3\x28"), 7);
-    HostBuffer value(8);
-    char name[] = "\xFF.p12";
-    EXPECT_EQ(ORV_SelectPKCS12(name, sizeof name, value.bytes.get(), value.size), 7);
-    EXPECT_FALSE(gui.ran());
-    EXPECT_TRUE(OrvelTest::isExceptionEntry(newLog()));
 }
 
 TEST_F(FileDialogs, Pkcs12CopiesBothValuesOnlyWhenTheyFit)

@@ -14,27 +14,6 @@ namespace {
 
 class ReinsertCard : public OrvelTest::DialogTest {};
 
-TEST_F(ReinsertCard, SwitchAndCloseNeedALauncher)
-{
-    EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 3);
-    EXPECT_EQ(ORV_ReinsertCardSwitchText(7), 3);
-    EXPECT_EQ(ORV_ReinsertCardClose(), 3);
-    EXPECT_EQ(newLog(), "");
-}
-
-TEST_F(ReinsertCard, ShowChecksPathThenMessageAfterResolvingTheLanguage)
-{
-    setenv("LC_ALL", "cs_CZ.UTF-8", 1);
-    OrvelDialogs::SetLanguage(-1);
-    ORV_SetAppPath(nullptr);
-    EXPECT_EQ(ORV_ReinsertCardShow(nullptr), 9);
-    EXPECT_EQ(g_appLanguage, 0);
-    ORV_SetAppPath(OrvelTest::FakeGui::bundlePath().c_str());
-    EXPECT_EQ(ORV_ReinsertCardShow(nullptr), 1);
-    EXPECT_FALSE(gui.ran());
-    EXPECT_EQ(appLchr, nullptr);
-}
-
 TEST_F(ReinsertCard, CommandsReachTheGuiAsOneStreamAndCloseGivesItsStatus)
 {
     gui.readStdin().reply(replyWithLog("ReinsertCard")).exitStatus(5);
@@ -45,8 +24,6 @@ TEST_F(ReinsertCard, CommandsReachTheGuiAsOneStreamAndCloseGivesItsStatus)
     EXPECT_EQ(ORV_ReinsertCardSwitchText(2), 1);
     EXPECT_EQ(ORV_ReinsertCardSwitchText(-1), 1);
     EXPECT_EQ(ORV_ReinsertCardClose(), 5);
-    EXPECT_EQ(gui.arguments(),
-              (std::vector<std::string>{"-window", "ReinsertCard", "-lang", "2", "-message", "Vyjměte kartu"}));
     // The fake read to the end of its input: the close command ended it.
     EXPECT_EQ(gui.stdinBytes(), "ReinsertCard insertReinsertCard removeReinsertCard close");
     // What the notice writes never reaches the log.
