@@ -98,7 +98,10 @@ protected:
 
 TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
 {
+    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
     const std::string hello = replyWithLog("YesNoDialog yes"), fake = FakeGui::bundlePath();
+    const std::string cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
+    const std::string kept = "log z GUI aplikace: " + std::string(999, 'L') + " \n\n";
     const auto bundleWith = [&](const std::string &bundle, const std::string &file, const std::string &bytes) {
         OrvelTest::writeFile(scratch / bundle + "/" + file, bytes);
         return scratch / bundle;
@@ -114,6 +117,7 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         long result;
         std::string entry;
         bool answer = false;
+        unsigned long long limit = 256u << 20; // of the output and so of the log
     } cases[] = {
         {"missing", scratch / "Missing.app", noScript, 7, "no application bundle with an executable"},
         {"not executable", bundleWith("Locked.app", "Locked", "#!/bin/sh\nexit 0\n"), noScript, 7, "Permission denied"},
@@ -147,11 +151,24 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
          "log z GUI aplikace: hello \n"},
         {"leaves a grandchild holding its stdout", fake,
          [&](FakeGui &g) { g.reply(hello).grandchildHoldingStdout(30000); }, 0, "log z GUI aplikace: hello \n", true},
+        {"writes up to the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4000 - hello.size(), ' '); }, 0,
+         "log z GUI aplikace: hello \n", true, 4000},
+        {"writes one byte past the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4001 - hello.size(), ' '); }, 7,
+         "output limit of 4000 bytes", false, 4000},
+        // The child that goes on writing is killed, not waited for.
+        {"writes on and on", fake, [&](FakeGui &g) { g.reply(hello + " ").fill(64u << 20).sleepMs(30000); }, 7,
+         "output limit of 4000 bytes", false, 4000},
+        {"logs 999 bytes", fake, [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes", std::string(999, 'L'))); }, 0,
+         kept, true, 4000},
+        {"logs more than 1000 bytes", fake,
+         [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes", std::string(1500, 'L')) + "\n"); }, 0,
+         kept + cutEntry, true, 4000},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
         c.script(gui.clear());
         ORV_SetAppPath(c.bundle.c_str());
+        ASSERT_EQ(ORV_SetOutputLimit(c.limit), 0);
         bool answer = false;
         const auto start = std::chrono::steady_clock::now();
         EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
@@ -161,6 +178,7 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         EXPECT_EQ(answer, c.answer);
         const std::string log = newLog();
         EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
+        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
         ORV_SetAppPath(fake.c_str());
         expectHostGoesOn(c.what);
     }
@@ -264,38 +282,6 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
         unlink(gate.c_str());
         ASSERT_TRUE(OrvelTest::childrenHaveExited());
         expectHostGoesOn("after run " + std::to_string(i));
-    }
-}
-
-TEST_F(Faults, OutputAndGuiLogStayWithinTheOutputLimit)
-{
-    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
-    ASSERT_EQ(ORV_SetOutputLimit(4000), 0);
-    const std::string yes = replyWithLog("YesNoDialog yes"), cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
-    const std::string kept = "log z GUI aplikace: " + std::string(999, 'L') + " \n\n";
-    const struct {
-        std::function<void(FakeGui &)> script;
-        long result;
-        std::string entry;
-    } cases[] = {
-        {[&](FakeGui &g) { g.reply(yes).fill(4000 - yes.size(), ' '); }, 0, "log z GUI aplikace: hello \n"},
-        {[&](FakeGui &g) { g.reply(yes).fill(4001 - yes.size(), ' '); }, 7, "output limit of 4000 bytes"},
-        {[&](FakeGui &g) { g.reply(yes + " ").fill(64u << 20).sleepMs(30000); }, 7, "output limit of 4000 bytes"},
-        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(999, 'L'))); }, 0, kept},
-        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(1500, 'L')) + "\n"); },
-         0, kept + cutEntry},
-    };
-    for (const auto &c : cases) {
-        c.script(gui.clear());
-        bool answer = false;
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result) << c.entry;
-        // The child that went on writing was killed, not waited for.
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-        const std::string log = newLog();
-        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 300);
-        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
-        EXPECT_EQ(OrvelTest::childProcessCount(), 0);
     }
 }
 

@@ -61,7 +61,7 @@ TEST(GuiApp, BadCommandLinesExitWithFiveAndALog)
     for (const auto &arguments : cases) {
         SCOPED_TRACE(testing::PrintToString(arguments));
         const std::string window = arguments.size() >= 2 ? arguments[1] : "";
-        play(kGui, {"", arguments, {exits(5), printsFirst(window + " -log "), logs("Bad command line")}, false}, true);
+        play(kGui, {"", arguments, {"=5", "^" + window + " -log ", "@Bad command line"}, false}, true);
     }
 }
 
@@ -78,72 +78,65 @@ std::vector<Session> sessions()
     // Sign stays out of reach while the end of the data is unseen; Decline is
     // preselected.
     const auto choose = [](const std::string &pressed, const std::string &shown, const std::string &result) {
-        return std::vector<Step>{see("Confirm the signature"), see("> 2. Decline"), keys(pressed), see(shown),
-                                 keys(kKeyEnter), exits(0), printsFirst("SignatureConfirm -result " + result + " ")};
+        return std::vector<std::string>{"?Confirm the signature", "?> 2. Decline", "!" + pressed, "?" + shown, kEnter,
+                                        "=0", "^SignatureConfirm -result " + result + " "};
     };
     const auto hostGone = [](const std::string &shown, const std::string &first = "") {
-        return std::vector<Step>{keys(first), see(shown), endInput(), exits(2), logs("End of input"), restored()};
+        return std::vector<std::string>{"!" + first, "?" + shown, ".", "=2", "@End of input", "*restored"};
     };
     const auto titled = [](const std::string &title) {
-        return std::vector<Step>{see(title + "\x1b[0m"), keys(kKeyEnter), exits(0)};
+        return std::vector<std::string>{"?" + title + "\x1b[0m", kEnter, "=0"};
     };
     const std::vector<std::string> done = {"-window", "MessageBox", "-message", "Hotovo"};
     const std::vector<std::string> notice = {"-window", "ReinsertCard", "-message", "Card"};
     return {
         {"MessageWithoutATerminalRepliesAndExitsWithSix", {"-window", "MessageBox", "-message", "Hi", "-icon", "1"},
-         {exits(6), printsFirst("MessageBox -log "), logs("No terminal")}, false},
+         {"=6", "^MessageBox -log ", "@No terminal"}, false},
         {"NoticeWithoutATerminalStillTakesTheCommands", {"-window", "ReinsertCard", "-lang", "2", "-message", "Card"},
-         {input("ReinsertCard removeReinsertCard close"), exits(6), printsFirst("ReinsertCard -log ")}, false},
+         {"<ReinsertCard removeReinsertCard close", "=6", "^ReinsertCard -log "}, false},
         {"CertificateSelectionShowsTheListAndRepliesTheIndex",
          {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "0", "-certs", certificateList(true)},
-         {see("Výber certifikátu"), see("Jiří Novák | platný do 2126-10-29"),
-          see("Bob Example | platný do 2026-12-01 | zostáva dní: 3 | NUTNÁ OBNOVA do 2026-11-01"), keys("2"),
-          see("> 2. Bob Example"), keys("d"), see("Bob Example"), see("Použitie kľúča:"), keys(kKeyEnter),
-          see("> 2. Bob Example"), keys(kKeyEnter), exits(0), printsFirst("CertificateSelect -selectedCert 1 -log ")}},
+         {"?Výber certifikátu", "?Jiří Novák | platný do 2126-10-29", "?Bob Example | platný do 2026-12-01 | zostáva "
+          "dní: 3 | NUTNÁ OBNOVA do 2026-11-01", "!2", "?> 2. Bob Example", "!d", "?Bob Example", "?Použitie kľúča:",
+          kEnter, "?> 2. Bob Example", kEnter, "=0", "^CertificateSelect -selectedCert 1 -log "}},
         // The values are Base64 with their closing "=", and the password stays
         // out of the log.
         {"Pkcs12FileAndPasswordAreCheckedBeforeTheReply",
          {"-window", "SelectPKCS12", "-lang", "2", "-filename", "{dir}/bogus.p12"},
-         {see("PKCS#12 file: \x1b[0m{dir}/bogus.p12"), keys(kKeyEnter), see("Not a PKCS#12 file: {dir}/bogus.p12"),
-          keys("\x15{dir}/missing.p12\r"), see("Cannot read the file: {dir}/missing.p12"), keys("\x15" + id + "\r"),
-          see("Password: "), keys("wrong\r"), see("Wrong password. Try again."), keys("pä"), keys("ss"), see("****"),
-          keys(kKeyEnter), exits(0), printsFirst("SelectPKCS12 " + base64(id) + " " + base64("päss") + " -log "),
-          logLacks("päss")},
+         {"?PKCS#12 file: \x1b[0m{dir}/bogus.p12", kEnter, "?Not a PKCS#12 file: {dir}/bogus.p12",
+          "!\x15{dir}/missing.p12\r", "?Cannot read the file: {dir}/missing.p12", "!\x15" + id + "\r", "?Password: ",
+          "!wrong\r", "?Wrong password. Try again.", "!pä", "!ss", "?****", kEnter, "=0",
+          "^SelectPKCS12 " + base64(id) + " " + base64("päss") + " -log ", "%päss"},
          true, {}, {{"bogus.p12", "-----BEGIN CERTIFICATE-----"}}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},
-         {see("Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák"), see("Valid until:\x1b[0m 2126-10-29"),
-          see("SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:"
-              "D5:8D:ED:6F:1B:ED:B7"),
-          see("Key usage:\x1b[0m digitalSignature, nonRepudiation"), keys(kKeyEnter), exits(0),
-          printsFirst("DisplayCert -log ")}},
+         {"?Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák", "?Valid until:\x1b[0m 2126-10-29",
+          "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:"
+          "8D:ED:6F:1B:ED:B7", "?Key usage:\x1b[0m digitalSignature, nonRepudiation", kEnter, "=0", "^DisplayCert -log "}},
         {"CertificateDisplayShowsOtherBytes", {"-window", "DisplayCert", "-cert", base64("\x1b[2Jhello")},
-         {see("Not a certificate (9 bytes):"), see("1b 5b 32 4a 68 65 6c 6c 6f"), keys(kKeyEscape), exits(0)}},
-        {"ReinsertCardTakesCommandsApartFromOneStream",
-         {"-window", "ReinsertCard", "-lang", "2", "-message", "Card check"},
-         {see("Card check"), input("ReinsertCard removeReinsertCard ins"), see("> Remove the card from the reader."),
-          input("ert"), see("> Insert the card into the reader."), input("ReinsertCard close"), exits(0),
-          printsFirst("ReinsertCard -log ")}},
+         {"?Not a certificate (9 bytes):", "?1b 5b 32 4a 68 65 6c 6c 6f", kEscape, "=0"}},
+        {"ReinsertCardTakesCommandsApartFromOneStream", {"-window", "ReinsertCard", "-lang", "2", "-message", "Card check"},
+         {"?Card check", "<ReinsertCard removeReinsertCard ins", "?> Remove the card from the reader.", "<ert",
+          "?> Insert the card into the reader.", "<ReinsertCard close", "=0", "^ReinsertCard -log "}},
         {"AHiddenNoticeRunsToTheEndOfItsInput", notice,
-         {see("Esc hides this notice."), keys(kKeyEscape), see("Notice hidden"), input("ReinsertCard insert"),
-          endInput(), exits(2)}},
+         {"?Esc hides this notice.", kEscape, "?Notice hidden", "<ReinsertCard insert", ".", "=2"}},
+        // 130 and 143: ended by SIGINT and by SIGTERM.
         {"CtrlCEndsAHiddenNotice", notice,
-         {see("Esc hides this notice."), keys(kKeyEscape), see("Ctrl-C ends the application."), keys("\x03"),
-          exits(128 + SIGINT), restored()}},
+         {"?Esc hides this notice.", kEscape, "?Ctrl-C ends the application.", "!\x03", "=130", "*restored"}},
+        {"TerminalModeIsRestoredWhenASignalEndsIt", {"-window", "YesNoDialog", "-message", "Q"},
+         {"?> 1. Yes", "*raw", "~" + std::to_string(SIGTERM), "=143", "*restored"}},
         {"SignIsNotChoosableBeforeTheEnd", signing(clauses(15)), choose("1", "> 2. Decline", "0"), true, {}, {}, 12, 60},
         {"SignIsChoosableAtTheEnd", signing(clauses(15)), choose("\x1b[F1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         {"SignIsChoosableAfterPagingDown", signing(clauses(15)),
          choose("\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         // Data that is no text: a hex dump under a warning, never blank.
         {"DataThatIsNoTextIsAWarnedHexDump", signing("Pay 100 \xe9UR"),
-         choose(kKeyDown, "Warning: these data are not text.", "0"), true, {}, {}, 12, 60},
-        {"OneByteThatIsNoText", signing("\xff"),
-         {see("Warning: these data are not text."), see("00000000  ff"), see("|.|")}},
+         choose("\x1b[B", "Warning: these data are not text.", "0"), true, {}, {}, 12, 60},
+        {"OneByteThatIsNoText", signing("\xff"), {"?Warning: these data are not text.", "?00000000  ff", "?|.|"}},
         // Redrawn at once on a resize, with no key pressed.
         {"WindowsFollowTheTerminalsSizeAndWrapAtWords",
          {"-window", "MessageBox", "-message", "aaaa bbbb cccc dddd eeee " + clauses(60)},
-         {see("lines 1–"), resize(10, 20), see("Information"), see("aaaa bbbb cccc dddd\r"),
-          see("\neeee Clause 1: the\r"), see("\nbuyer pays.\r"), keys("\x1b[F"), see("Clause 60: the buyer"),
-          keys(kKeyEnter), exits(0)}},
+         {"?lines 1–", "#10,20", "?Information", "?aaaa bbbb cccc dddd\r", "?\neeee Clause 1: the\r",
+          "?\nbuyer pays.\r", "!\x1b[F", "?Clause 60: the buyer", kEnter, "=0"}},
         {"MessageEndsCancelledWhenTheHostIsGone", {"-window", "MessageBox", "-message", "M"}, hostGone("Information")},
         {"YesNoEndsCancelledWhenTheHostIsGone", {"-window", "YesNoDialog", "-message", "Q"}, hostGone("> 1. Yes")},
         {"FileSaveEndsCancelledWhenTheHostIsGone", {"-window", "FileSave", "-message", "S", "-filename", "x"},
@@ -158,16 +151,11 @@ std::vector<Session> sessions()
          {"LC_ALL=", "LC_MESSAGES=en_GB", "LANG=cs_CZ.UTF-8"}},
         {"WithoutLangEnglishForOtherLanguages", done, titled("Information"), true,
          {"LC_ALL=", "LC_MESSAGES=", "LANG=de_DE.UTF-8"}},
-        {"FileOpenNamesAFilterItCannotRead",
-         {"-window", "FileOpen", "-lang", "2", "-message", "Open", "-fileFilter", "*.pdf"},
-         {see("Filter not understood, showing all files: *.pdf"), keys(kKeyEscape), exits(2),
-          logs("File filter not understood")}},
+        {"FileOpenNamesAFilterItCannotRead", {"-window", "FileOpen", "-lang", "2", "-message", "Open", "-fileFilter", "*.pdf"},
+         {"?Filter not understood, showing all files: *.pdf", kEscape, "=2", "@File filter not understood"}},
         {"FileSaveNamesAMissingFolderAndAMissingName",
          {"-window", "FileSave", "-lang", "0", "-message", "Save", "-fileFilter", "", "-filename", "/nonexistent/dir/x.pdf"},
-         {see("x.pdf"), keys(kKeyEnter), see("Složka neexistuje: /nonexistent/dir"), keys("\x15\r"),
-          see("Zadejte název souboru."), keys(kKeyEscape), exits(2)}},
-        {"TerminalModeIsRestoredWhenASignalEndsIt", {"-window", "YesNoDialog", "-message", "Q"},
-         {see("> 1. Yes"), rawMode(), sendSignal(SIGTERM), exits(128 + SIGTERM), restored()}},
+         {"?x.pdf", kEnter, "?Složka neexistuje: /nonexistent/dir", "!\x15\r", "?Zadejte název souboru.", kEscape, "=2"}},
     };
 }
 

@@ -18,22 +18,16 @@ TEST(State, StartsEmpty)
     EXPECT_EQ(log, nullptr);
     EXPECT_TRUE(languageIsSet());
     EXPECT_EQ(g_appLanguage, 0);
-    EXPECT_FALSE(g_appPath.has_value());
-    EXPECT_FALSE(g_orvelSignVersion.has_value());
+    EXPECT_FALSE(g_appPath.has_value() || g_orvelSignVersion.has_value());
     EXPECT_EQ(appLchr, nullptr);
 }
 
 TEST(State, SetLanguageAcceptsOnlyZeroToTwo)
 {
-    struct Case {
-        int value;
-        long result;
-        int stored;
-    };
-    const Case cases[] = {{2, 0, 2}, {3, 1, 2}, {-1, 1, 2}, {0, 0, 0}, {1, 0, 1}, {1 << 30, 1, 1}};
-    for (const auto &c : cases) {
-        EXPECT_EQ(ORV_SetLanguage(c.value), c.result) << c.value;
-        EXPECT_EQ(g_appLanguage, c.stored) << c.value;
+    const int cases[][3] = {{2, 0, 2}, {3, 1, 2}, {-1, 1, 2}, {0, 0, 0}, {1, 0, 1}, {1 << 30, 1, 1}};
+    for (const auto &[value, result, stored] : cases) {
+        EXPECT_EQ(ORV_SetLanguage(value), result) << value;
+        EXPECT_EQ(g_appLanguage, stored) << value;
     }
     // The namespace setter stores anything; outside 0..2 means "not set".
     for (int value : {-1, 3, 1000}) {
@@ -45,72 +39,47 @@ TEST(State, SetLanguageAcceptsOnlyZeroToTwo)
 
 TEST(State, TextSettingsStoreNoValueForNullOrInvalidText)
 {
-    struct Case {
-        const char *text;
-        bool stored;
-    };
-    const Case cases[] = {{"/Applications/Orvel.app", true}, {"", true}, {"\xC3\x28", false}, {nullptr, false},
-                          {"\xED\xA0\x80", false}, {"\xF4\x90\x80\x80", false}, {"\xC0\xAF", false}, {"Žluťoučký", true}};
-    for (const auto &c : cases) {
-        EXPECT_EQ(ORV_SetAppPath(c.text), 0);
-        EXPECT_EQ(g_appPath.has_value(), c.stored);
-        EXPECT_EQ(ORV_SetOrvelSignVersion(c.text), 0);
-        EXPECT_EQ(g_orvelSignVersion.has_value(), c.stored);
-        if (c.stored) {
-            EXPECT_EQ(*g_appPath, c.text);
-            EXPECT_EQ(*g_orvelSignVersion, c.text);
-        }
+    const std::pair<const char *, bool> cases[] = {{"/Applications/Orvel.app", true}, {"", true}, {"\xC3\x28", false},
+        {nullptr, false}, {"\xED\xA0\x80", false}, {"\xF4\x90\x80\x80", false}, {"\xC0\xAF", false}, {"Žluťoučký", true}};
+    for (const auto &[text, stored] : cases) {
+        EXPECT_EQ(ORV_SetAppPath(text), 0);
+        EXPECT_EQ(ORV_SetOrvelSignVersion(text), 0);
+        EXPECT_EQ(g_appPath.has_value(), stored);
+        EXPECT_EQ(g_orvelSignVersion.has_value(), stored);
+        EXPECT_TRUE(!stored || (*g_appPath == text && *g_orvelSignVersion == text));
     }
 }
 
-TEST(State, EveryLogEntryEndsWithOneAddedLineFeed)
+TEST(State, EveryLogEntryEndsWithOneAddedLineFeedAndIsReadInPlace)
 {
     logMsg("abc");
     EXPECT_EQ(OrvelTest::logText(), "abc\n");
     logMsg("def\n");
     EXPECT_EQ(OrvelTest::logText(), "abc\ndef\n\n");
     logMsg("");
-    EXPECT_EQ(OrvelTest::logText(), "abc\ndef\n\n\n");
-}
-
-TEST(State, ReadingTheLogNeitherCopiesNorEmptiesIt)
-{
-    logMsg("entry");
-    const char *first = OrvelDialogs::GetLogBuffer();
-    const char *second = nullptr;
-    ORV_GetLog(&second);
-    EXPECT_EQ(first, second);
-    EXPECT_STREQ(second, "entry\n");
+    const char *read = nullptr;
+    EXPECT_EQ(ORV_GetLog(&read), 0);
+    EXPECT_STREQ(read, "abc\ndef\n\n\n");
+    // Neither copied nor emptied by reading.
+    EXPECT_EQ(read, OrvelDialogs::GetLogBuffer());
+    EXPECT_EQ(OrvelTest::logText(), read);
     EXPECT_EQ(ORV_GetLog(nullptr), 1);
 }
 
 TEST(State, LanguageFollowsTheLocaleWhenNotSet)
 {
-    struct Case {
-        const char *lcAll;
-        const char *lcMessages;
-        const char *lang;
+    const struct {
+        const char *lcAll, *lcMessages, *lang;
         int expected;
+    } cases[] = {
+        {nullptr, nullptr, "cs_CZ.UTF-8", 0}, {nullptr, nullptr, "sk_SK", 1},       {nullptr, nullptr, "cs", 0},
+        {nullptr, nullptr, "en_US", 2},       {nullptr, nullptr, "de", 2},          {nullptr, nullptr, "Cs_cz", 0},
+        {nullptr, nullptr, "sk_SK.ISO-8859-2@euro", 1},                             {nullptr, nullptr, "C", 2},
+        {nullptr, nullptr, nullptr, 2},       {"sk_SK", nullptr, "cs_CZ", 1},       {"", "cs_CZ.UTF-8", "en_US", 0},
+        {"POSIX", "cs_CZ", "cs_CZ", 2},       {nullptr, nullptr, "csx_CZ", 2},
     };
-    const Case cases[] = {
-        {nullptr, nullptr, "cs_CZ.UTF-8", 0},
-        {nullptr, nullptr, "sk_SK", 1},
-        {nullptr, nullptr, "cs", 0},
-        {nullptr, nullptr, "en_US", 2},
-        {nullptr, nullptr, "de", 2},
-        {nullptr, nullptr, "sk_SK.ISO-8859-2@euro", 1},
-        {nullptr, nullptr, "Cs_cz", 0},
-        {nullptr, nullptr, "C", 2},
-        {nullptr, nullptr, nullptr, 2},
-        {"sk_SK", nullptr, "cs_CZ", 1},
-        {"", "cs_CZ.UTF-8", "en_US", 0},
-        {"POSIX", "cs_CZ", "cs_CZ", 2},
-        {nullptr, nullptr, "csx_CZ", 2},
-    };
+    const auto put = [](const char *name, const char *value) { value ? setenv(name, value, 1) : unsetenv(name); };
     for (const auto &c : cases) {
-        auto put = [](const char *name, const char *value) {
-            value ? setenv(name, value, 1) : unsetenv(name);
-        };
         put("LC_ALL", c.lcAll);
         put("LC_MESSAGES", c.lcMessages);
         put("LANG", c.lang);

@@ -29,44 +29,25 @@
 
 namespace OrvelTest {
 
-constexpr const char *kKeyDown = "\x1b[B";
-constexpr const char *kKeyEnter = "\r";
-constexpr const char *kKeyEscape = "\x1b";
-
-// One step of a session: what the user does, or what must be seen then.
-struct Step {
-    enum Kind { See, Keys, Input, EndInput, Resize, Kill, Exits, Prints, PrintsFirst, Shows, Logs, LogLacks, Lacks, Raw, Restored };
-    Kind kind;
-    std::string text;
-    int number = 0, columns = 0;
-};
-// Drawn on the terminal after what the previous `see` found.
-inline Step see(std::string text) { return {Step::See, std::move(text)}; }
-inline Step keys(std::string keys) { return {Step::Keys, std::move(keys)}; }
-inline Step input(std::string bytes) { return {Step::Input, std::move(bytes)}; }
-inline Step endInput() { return {Step::EndInput, {}}; }
-inline Step resize(int rows, int columns) { return {Step::Resize, {}, rows, columns}; }
-inline Step sendSignal(int signalNumber) { return {Step::Kill, {}, signalNumber}; }
-// The exit status, 128 + N after signal N.
-inline Step exits(int status) { return {Step::Exits, {}, status}; }
-// Standard output is exactly `text`, or starts with it.
-inline Step prints(std::string text) { return {Step::Prints, std::move(text)}; }
-inline Step printsFirst(std::string text) { return {Step::PrintsFirst, std::move(text)}; }
-// Somewhere in standard output or on the screen (or standard error).
-inline Step shows(std::string text) { return {Step::Shows, std::move(text)}; }
-// In the GUI application's log, the Base64 token after "-log" in its reply.
-inline Step logs(std::string text) { return {Step::Logs, std::move(text)}; }
-inline Step logLacks(std::string text) { return {Step::LogLacks, std::move(text)}; }
-// Neither on the screen (or standard error) nor in standard output.
-inline Step lacks(std::string text) { return {Step::Lacks, std::move(text)}; }
-// The terminal in raw mode, or as the user left it: cooked, the main screen.
-inline Step rawMode() { return {Step::Raw, {}}; }
-inline Step restored() { return {Step::Restored, {}}; }
+// A step of a session is one string, its first character saying what it is:
+//   ?text  text is drawn, after what the previous "?" found
+//   !keys  the user types keys            <bytes  bytes go to standard input
+//   .      standard input ends            #R,C    the terminal gets R rows, C columns
+//   ~N     the program gets signal N      =N      it exits with status N (128 + signal)
+//   >text  standard output is text        ^text   standard output starts with text
+//   +text  text is in standard output or on the screen (or standard error)
+//   -text  text is in neither             @text   the GUI's log (the Base64 after
+//   %text  the GUI's log lacks text               "-log" in its reply) holds text
+//   *raw   the terminal is in raw mode    *restored  as the user left it: cooked,
+//                                                    the main screen
+constexpr const char *kDown = "!\x1b[B";
+constexpr const char *kEnter = "!\r";
+constexpr const char *kEscape = "!\x1b";
 
 struct Session {
     const char *name; // the test's name
     std::vector<std::string> arguments;
-    std::vector<Step> steps;
+    std::vector<std::string> steps;
     bool terminal = true; // false: a new session with no terminal at all
     std::vector<std::string> environment = {}; // "NAME=value", over the inherited ones
     std::vector<std::pair<std::string, std::string>> files = {}; // name and bytes, in the working folder
@@ -285,39 +266,40 @@ inline void play(const std::string &program, const Session &session, bool pipeSt
         argv.push_back(expand(argument));
     for (const auto &variable : session.environment)
         environment.push_back(expand(variable));
-    for (const Step &step : session.steps)
-        pipeStdin = pipeStdin || step.kind == Step::Input || step.kind == Step::EndInput;
+    for (const std::string &step : session.steps)
+        pipeStdin = pipeStdin || step[0] == '<' || step[0] == '.';
     DrivenProcess p(argv, session, pipeStdin, environment, folder.path);
-    for (const Step &step : session.steps) {
-        const std::string text = expand(step.text), &out = p.standardOutput();
+    for (const std::string &step : session.steps) {
+        const std::string text = expand(step.substr(1)), &out = p.standardOutput();
+        const int number = std::atoi(text.c_str());
         termios mode{};
-        switch (step.kind) {
-        case Step::See:
+        switch (step[0]) {
+        case '?':
             if (!p.waitForScreen(text))
                 FAIL() << "never drawn: " << text << "\nscreen:\n" << p.screen();
             break;
-        case Step::Keys: p.sendKeys(text); break;
-        case Step::Input: p.writeStdin(text); break;
-        case Step::EndInput: p.closeStdin(); break;
-        case Step::Resize: p.resize(step.number, step.columns); break;
-        case Step::Kill: ::kill(p.pid(), step.number); break;
-        case Step::Exits: EXPECT_EQ(p.waitExit(), step.number) << out << p.screen(); break;
-        case Step::Prints: EXPECT_EQ(out, text); break;
-        case Step::PrintsFirst: EXPECT_EQ(out.rfind(text, 0), 0u) << out; break;
-        case Step::Shows: EXPECT_NE((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
-        case Step::Logs: EXPECT_NE(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
-        case Step::LogLacks: EXPECT_EQ(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
-        case Step::Lacks: EXPECT_EQ((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
-        case Step::Raw:
-        case Step::Restored:
+        case '!': p.sendKeys(text); break;
+        case '<': p.writeStdin(text); break;
+        case '.': p.closeStdin(); break;
+        case '#': p.resize(number, std::atoi(text.substr(text.find(',') + 1).c_str())); break;
+        case '~': ::kill(p.pid(), number); break;
+        case '=': EXPECT_EQ(p.waitExit(), number) << out << p.screen(); break;
+        case '>': EXPECT_EQ(out, text); break;
+        case '^': EXPECT_EQ(out.rfind(text, 0), 0u) << out; break;
+        case '+': EXPECT_NE((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
+        case '-': EXPECT_EQ((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
+        case '@': EXPECT_NE(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
+        case '%': EXPECT_EQ(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
+        case '*':
             ASSERT_EQ(::tcgetattr(p.terminalFd(), &mode), 0);
-            if (step.kind == Step::Raw) {
+            if (text == "raw") {
                 EXPECT_EQ(mode.c_lflag & (ICANON | ECHO), 0u);
                 break;
             }
             EXPECT_EQ(mode.c_lflag & (ICANON | ECHO | ISIG), static_cast<tcflag_t>(ICANON | ECHO | ISIG));
             EXPECT_NE(p.screen().find("\x1b[?1049l"), std::string::npos);
             break;
+        default: FAIL() << "no such step: " << step;
         }
     }
 }

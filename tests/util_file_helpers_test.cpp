@@ -4,13 +4,13 @@
 
 #include "support/TempDir.hpp"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 #include <unistd.h>
 
+#include <filesystem>
+
 using OrvelDialogs::Util;
+using OrvelTest::readFile;
+using OrvelTest::writeFile;
 
 namespace {
 
@@ -18,26 +18,18 @@ const std::string kTenBytes("\0\1\2\3\4\5\6\7\10\11", 10);
 
 class UtilFiles : public ::testing::Test {
 protected:
-    void SetUp() override { dir_ = OrvelTest::makeTempDir(); }
-    void TearDown() override { OrvelTest::removeTree(dir_); }
-    std::string path(const std::string &name) const { return dir_ + "/" + name; }
-    static std::string read(const std::string &file)
-    {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-    static void write(const std::string &file, const std::string &bytes) { std::ofstream(file, std::ios::binary) << bytes; }
-    std::string dir_;
+    std::string path(const std::string &name) const { return dir_ / name; }
+    const OrvelTest::TempFolder dir_;
 };
 
 TEST_F(UtilFiles, SaveWritesTheContentExactlyOrFails)
 {
     for (const std::string &content : {std::string(), std::string("a\0b\r\n", 5), kTenBytes}) {
-        write(path("f"), "older and longer content");
+        writeFile(path("f"), "older and longer content");
         EXPECT_TRUE(Util::SaveToFile(path("f"), content));
-        EXPECT_EQ(read(path("f")), content);
+        EXPECT_EQ(readFile(path("f")), content);
     }
-    for (const std::string &bad : {path("missing/f"), std::string(), dir_})
+    for (const std::string &bad : {path("missing/f"), std::string(), dir_.path})
         EXPECT_FALSE(Util::SaveToFile(bad, "x")) << bad;
     EXPECT_FALSE(std::filesystem::exists(path("missing")));
 }
@@ -48,7 +40,7 @@ TEST_F(UtilFiles, LoadJoinsTheWordsOrEmptiesTheOutput)
         {"abc def\nghi\n", "abcdefghi"}, {" \t\r\n\v\f", ""}, {"", ""}, {"\xC5\xBD\xC5\xA5 x\r\ny", "\xC5\xBD\xC5\xA5xy"},
     };
     for (const auto &c : cases) {
-        write(path("f"), c.content);
+        writeFile(path("f"), c.content);
         std::string output = "stale";
         EXPECT_TRUE(Util::LoadFile(path("f"), output));
         EXPECT_EQ(output, c.words) << c.content;
@@ -66,11 +58,11 @@ TEST_F(UtilFiles, ShrinkKeepsTheLastBytes)
         {4, kTenBytes.substr(6)}, {0, ""}, {9, kTenBytes.substr(1)}, {10, kTenBytes}, {11, kTenBytes}, {~0ul, kTenBytes},
     };
     for (const auto &c : cases) {
-        write(path("f"), kTenBytes);
+        writeFile(path("f"), kTenBytes);
         EXPECT_TRUE(Util::ShrinkBinaryFile(path("f"), c.size)) << c.size;
-        EXPECT_EQ(read(path("f")), c.left) << c.size;
+        EXPECT_EQ(readFile(path("f")), c.left) << c.size;
     }
-    write(path("empty"), "");
+    writeFile(path("empty"), "");
     EXPECT_TRUE(Util::ShrinkBinaryFile(path("empty"), 0));
 }
 
@@ -80,19 +72,19 @@ TEST_F(UtilFiles, FailedShrinkTouchesNothing)
     EXPECT_FALSE(Util::ShrinkBinaryFile(path("none"), 1));
     EXPECT_FALSE(std::filesystem::exists(path("none")));
     // A directory may open for reading but never yields bytes.
-    write(path("inside"), kTenBytes);
-    EXPECT_FALSE(Util::ShrinkBinaryFile(dir_, 1));
-    EXPECT_EQ(read(path("inside")), kTenBytes);
+    writeFile(path("inside"), kTenBytes);
+    EXPECT_FALSE(Util::ShrinkBinaryFile(dir_.path, 1));
+    EXPECT_EQ(readFile(path("inside")), kTenBytes);
 }
 
 TEST_F(UtilFiles, ShrinkThatCannotRewriteLeavesTheFileWhole)
 {
-    write(path("f"), kTenBytes);
+    writeFile(path("f"), kTenBytes);
     std::filesystem::permissions(path("f"), std::filesystem::perms::owner_read);
     if (access(path("f").c_str(), W_OK) == 0)
         GTEST_SKIP() << "this user may write a read-only file";
     EXPECT_FALSE(Util::ShrinkBinaryFile(path("f"), 4));
-    EXPECT_EQ(read(path("f")), kTenBytes);
+    EXPECT_EQ(readFile(path("f")), kTenBytes);
 }
 
 } // namespace

@@ -13,10 +13,8 @@ public:
     EveryMillisecondInterruptions()
     {
         ticks_ = 0;
-        struct sigaction action{};
+        struct sigaction action{}; // no SA_RESTART, nothing blocked
         action.sa_handler = [](int) { ticks_ = ticks_ + 1; };
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = 0;
         sigaction(SIGALRM, &action, nullptr);
         const itimerval everyMillisecond{{0, 1000}, {0, 1000}};
         setitimer(ITIMER_REAL, &everyMillisecond, nullptr);

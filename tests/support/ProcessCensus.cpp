@@ -1,74 +1,54 @@
 #include "support/ProcessCensus.hpp"
 
-#include <dirent.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
-#include <cstdlib>
+#include <cstdio>
+#include <filesystem>
 #include <fstream>
-#include <sstream>
+#include <string>
 #include <thread>
 
 namespace OrvelTest {
 namespace {
 
-// Calls visit(state) for each process whose parent is this one.
-template <typename Visit>
-void forEachChild(Visit visit)
+// The state letter of each process whose parent is this one.
+std::string childStates()
 {
-    const pid_t self = getpid();
-    DIR *proc = opendir("/proc");
-    if (proc == nullptr)
-        return;
-    while (const dirent *entry = readdir(proc)) {
-        const char *name = entry->d_name;
-        if (name[0] < '0' || name[0] > '9')
-            continue;
-        std::ifstream stat(std::string("/proc/") + name + "/stat");
+    std::string states;
+    std::error_code error;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc", error)) {
         std::string line;
-        if (!std::getline(stat, line))
-            continue;
+        std::getline(std::ifstream(entry.path() / "stat"), line);
         // "pid (comm) state ppid ..." where comm may hold spaces.
-        const auto close = line.rfind(')');
-        if (close == std::string::npos)
-            continue;
-        std::istringstream rest(line.substr(close + 1));
         char state = 0;
         long ppid = 0;
-        rest >> state >> ppid;
-        if (ppid == self)
-            visit(state);
+        if (const auto close = line.rfind(')'); close != std::string::npos &&
+            std::sscanf(line.c_str() + close + 1, " %c %ld", &state, &ppid) == 2 && ppid == getpid())
+            states += state;
     }
-    closedir(proc);
+    return states;
 }
 
 } // namespace
 
 int openDescriptorCount()
 {
-    int count = 0;
-    DIR *dir = opendir("/proc/self/fd");
-    if (dir == nullptr)
-        return -1;
-    while (const dirent *entry = readdir(dir))
-        if (entry->d_name[0] != '.')
-            ++count;
-    closedir(dir);
-    return count - 1; // the directory's own descriptor
+    std::error_code error;
+    const auto fds = std::filesystem::directory_iterator("/proc/self/fd", error);
+    return error ? -1 : static_cast<int>(std::distance(begin(fds), end(fds))) - 1; // the iterator's own
 }
 
 int childProcessCount()
 {
-    int count = 0;
-    forEachChild([&](char) { ++count; });
-    return count;
+    return static_cast<int>(childStates().size());
 }
 
 int zombieChildCount()
 {
-    int count = 0;
-    forEachChild([&](char state) { count += state == 'Z'; });
-    return count;
+    const std::string states = childStates();
+    return static_cast<int>(std::count(states.begin(), states.end(), 'Z'));
 }
 
 bool childrenHaveExited()

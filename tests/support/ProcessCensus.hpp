@@ -1,8 +1,6 @@
 // Counts of what a test process holds, to show that nothing leaks.
 #pragma once
 
-#include <string>
-
 namespace OrvelTest {
 
 int openDescriptorCount();
