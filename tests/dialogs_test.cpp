@@ -1,7 +1,7 @@
 // Every dialog of the C interface against the fake GUI: what it refuses before
 // anything starts, the argument list it passes, where it takes the exception
-// path; and how the message box, the yes/no dialog and the certificate display
-// read their replies.
+// path, and what it makes of the reply; and the file filter's patterns.
+#include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
@@ -26,6 +26,16 @@ protected:
     {
         DialogTest::SetUp();
         ORV_SetOrvelSignVersion("2.1");
+    }
+    long select(Records &records, unsigned int &selected)
+    {
+        return ORV_SelectCertificate(records.records.data(), records.count(), &selected);
+    }
+    long confirm(Records &records, unsigned int &selected, bool &confirmed, const char *data = "ABC",
+                 const char *rtf = nullptr)
+    {
+        return ORV_ConfirmSignature(records.records.data(), records.count(), &selected, data, rtf, "SHA-256", "0A1B",
+                                    &confirmed);
     }
     const std::string fake = OrvelTest::FakeGui::bundlePath();
 };
@@ -240,69 +250,267 @@ TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
     EXPECT_FALSE(answer || confirmed);
 }
 
-TEST_F(Dialogs, YesNoInterpretsTheBeginningOfTheReply)
+// Each row's dialog runs against the reply and status and describes what the
+// host got back: the result, then the answer, index or buffers.
+TEST_F(Dialogs, RepliesAreReadAsTheyCome)
 {
+    // The answer after a run starting from false, then from true: "01" kept.
+    const auto yesNo = [] {
+        std::string answers;
+        long result = 0;
+        for (const bool initial : {false, true}) {
+            bool answer = initial;
+            result = ORV_YesNoDialog("Q", nullptr, 0, &answer);
+            answers += answer ? "1" : "0";
+        }
+        return std::to_string(result) + " " + answers;
+    };
+    const auto message = [] { return std::to_string(ORV_MessageBox("m", nullptr, 0)); };
+    const auto display = [] {
+        unsigned char byte = 0;
+        return std::to_string(ORV_DisplayCertificate(&byte, 1));
+    };
+    Records three(3), two(2);
+    const auto select = [&] {
+        unsigned int selected = 1;
+        const long result = ORV_SelectCertificate(three.records.data(), 3, &selected);
+        return std::to_string(result) + " " + std::to_string(selected);
+    };
+    // Confirmed after runs from false and from true, then the index (from 1);
+    // every run logs its checks first and no unknown status.
+    const auto confirm = [&] {
+        std::string outcome, confirmedAnswers, indexes;
+        for (const bool initial : {false, true}) {
+            bool confirmed = initial;
+            unsigned int selected = 1;
+            const size_t before = OrvelTest::logText().size();
+            outcome = std::to_string(ORV_ConfirmSignature(two.records.data(), 2, &selected, "ABC", nullptr, "SHA-256",
+                                                          "0A1B", &confirmed));
+            const std::string log = OrvelTest::logText().substr(before);
+            EXPECT_EQ(log.rfind("Input parameters checked\nCreating certificates array\n", 0), 0u) << log;
+            EXPECT_EQ(log.find("Unknown error"), std::string::npos) << log;
+            confirmedAnswers += confirmed ? "1" : "0";
+            indexes = std::to_string(selected);
+        }
+        return outcome + " " + confirmedAnswers + " " + indexes;
+    };
+    const auto open = [](unsigned int size) {
+        return [size] {
+            HostBuffer buffer(size);
+            const long result = ORV_FileOpenDialog("m", nullptr, buffer.bytes.get(), size, nullptr);
+            return std::to_string(result) + " " + buffer.describe();
+        };
+    };
+    const auto pkcs12 = [](unsigned int pathSize, unsigned int valueSize) {
+        return [=] {
+            HostBuffer path(pathSize), value(valueSize);
+            const long result = ORV_SelectPKCS12(path.bytes.get(), pathSize, value.bytes.get(), valueSize);
+            return std::to_string(result) + " " + path.describe() + " " + value.describe();
+        };
+    };
+    const std::string index = "Index vybraného certifikátu neodpovídá povolenému obsahu\n\n", path8 = "/tmp/a.b";
+    const std::string selectFormat = "Neočekávaný formát odpovědi z okna SelectCertificate\n\n";
+    const std::string confirmFormat = "Neočekávaný formát odpovědi z okna ConfirmSignature\n\n";
+    const std::string both = replyWithLog("SelectPKCS12 " + base64("/k.p12") + " " + base64("heslo"));
+    const std::string pathOnly = replyWithLog("SelectPKCS12 " + base64("/k.p12"));
+    const std::string emptyBoth = replyWithLog("SelectPKCS12 " + base64("") + " " + base64(""));
+    const std::string badValue = replyWithLog("SelectPKCS12 " + base64("/k.p12") + " " + base64("\xFF"));
+    const std::string noLog = "Odpověď z GUI neobsahovala log.\n\n", hello = "log z GUI aplikace: hello \n\n";
     const struct {
         std::string reply;
         int exit;
-        long result;
-        int answer; // -1: left as it was
-        std::string entry;
+        std::function<std::string()> call;
+        std::string outcome, entry = {};
     } cases[] = {
-        {replyWithLog("YesNoDialog yes"), 0, 0, 1, ""},
-        {replyWithLog("YesNoDialog no"), 0, 0, 0, ""},
-        {replyWithLog("YesNoDialog nope"), 0, 0, 0, ""},
-        {replyWithLog("YesNoDialog yesterday"), 0, 0, 1, ""},
-        {replyWithLog("YesNoDialog  yes"), 0, 7, -1, "Wrong YesNoDialog response!\n"},
-        {replyWithLog("YesNoDialog maybe"), 0, 7, -1, "Wrong YesNoDialog response!\n"},
-        {"YesNoDialog yes", 0, 0, -1, "Odpověď z GUI neobsahovala log.\n\n"},
-        {replyWithLog("YesNoDialog yes"), 2, 2, -1, ""},
-        {replyWithLog("YesNoDialog yes"), 9, 7, -1, "Unknown error code number occured:9\n\n"},
-        {replyWithLog("MessageBox yes"), 0, 7, -1, "Chybná odpověď od YesNoDialog okna.\n\n"},
+        {replyWithLog("YesNoDialog yes"), 0, yesNo, "0 11"},
+        {replyWithLog("YesNoDialog no"), 0, yesNo, "0 00"},
+        {replyWithLog("YesNoDialog nope"), 0, yesNo, "0 00"},
+        {replyWithLog("YesNoDialog yesterday"), 0, yesNo, "0 11"},
+        {replyWithLog("YesNoDialog  yes"), 0, yesNo, "7 01", "Wrong YesNoDialog response!\n"},
+        {replyWithLog("YesNoDialog maybe"), 0, yesNo, "7 01", "Wrong YesNoDialog response!\n"},
+        {"YesNoDialog yes", 0, yesNo, "0 01", noLog},
+        {replyWithLog("YesNoDialog yes"), 2, yesNo, "2 01"},
+        {replyWithLog("YesNoDialog yes"), 9, yesNo, "7 01", "Unknown error code number occured:9\n\n"},
+        {replyWithLog("MessageBox yes"), 0, yesNo, "7 01", "Chybná odpověď od YesNoDialog okna.\n\n"},
+        // The message box and the display read only the status and the
+        // reply's start; the GUI's own statuses below 9 pass, the rest is 7.
+        {replyWithLog("MessageBox"), 0, message, "0"},
+        {"MessageBox", 0, message, "0"},
+        {"MessageBox anything", 0, message, "0"},
+        {replyWithLog("MessageBox"), 5, message, "5"},
+        {replyWithLog("MessageBox"), 8, message, "8"},
+        {"", 0, message, "7"},
+        {replyWithLog("YesNoDialog"), 0, message, "7"},
+        {replyWithLog("MessageBox"), 200, message, "7"},
+        {"DisplayCert", 0, display, "0", noLog},
+        {replyWithLog("MessageBox"), 0, display, "7", "Chybná odpověď od DisplayCert okna.\n\n" + noLog},
+        {replyWithLog("DisplayCert"), 4, display, "4"},
+        {replyWithLog("CertificateSelect -selectedCert 2"), 0, select, "0 2"},
+        {replyWithLog("CertificateSelect -selectedCert 3"), 0, select, "7 1", index},
+        {replyWithLog("CertificateSelect -selectedCert -1"), 0, select, "7 1", index},
+        {replyWithLog("CertificateSelect -selectedCert 18446744073709551615"), 0, select, "7 1", index},
+        {replyWithLog("CertificateSelect -selectedCert abc"), 0, select, "0 0"},
+        {replyWithLog("CertificateSelect -selectedCert 2x"), 0, select, "0 2"},
+        {"CertificateSelect -selectedCert 2", 0, select, "0 1", noLog},
+        {replyWithLog("CertificateSelect  -selectedCert 1"), 0, select, "7 1", selectFormat},
+        {replyWithLog("CertificateSelect"), 0, select, "7 1", selectFormat},
+        {replyWithLog("CertificateSelect -selectedCert 2"), 2, select, "2 1"},
+        {replyWithLog("CertificateSelect -selectedCert 2"), 12, select, "7 1", "Unknown error code number occured:12\n\n"},
+        {replyWithLog("SignatureConfirm -result 1 -selectedCert 1"), 0, confirm, "0 11 1"},
+        {replyWithLog("SignatureConfirm -result 0 -selectedCert 0"), 0, confirm, "0 00 0"},
+        {replyWithLog("SignatureConfirm -result 1 -selectedCert 5"), 0, confirm, "7 11 1", index},
+        {replyWithLog("SignatureConfirm -selectedCert 1 -result 1"), 0, confirm, "7 01 1", confirmFormat},
+        {replyWithLog("SignatureConfirm -result 1 -index 1"), 0, confirm, "7 11 1", confirmFormat},
+        {replyWithLog("SignatureConfirm -result yes -selectedCert 0"), 0, confirm, "0 00 0"},
+        {replyWithLog("SignatureConfirm -result -3 -selectedCert 1"), 0, confirm, "0 11 1"},
+        {"SignatureConfirm -result 1 -selectedCert 1", 0, confirm, "0 01 1", noLog},
+        // The status is taken as it is, 9 and above included.
+        {replyWithLog("SignatureConfirm -result 1 -selectedCert 1"), 12, confirm, "12 01 1"},
+        {replyWithLog("SignatureConfirm -result 1 -selectedCert 1"), 3, confirm, "3 01 1"},
+        {"SignatureConfirm -result 1 -selectedCert", 0, confirm, "0 01 1", "Odpověď z GUI neobsahovala log"},
+        {"SignatureConfirm -result 1 -log " + base64("x"), 0, confirm, "7 11 1", confirmFormat},
+        // A path is copied only when it fits, with room for its zero.
+        {replyWithLog("FileOpen " + base64(path8)), 0, open(9), "0 " + path8},
+        {replyWithLog("FileOpen " + base64(path8)), 0, open(8), "11 cleared"},
+        {replyWithLog("FileOpen " + base64(std::string("/a\0/b", 5))), 0, open(9), "0 /a"},
+        {replyWithLog("FileOpen " + base64("")), 0, open(1), "0 zero"},
+        {replyWithLog("FileOpen " + base64("/")), 0, open(1), "11 untouched"},
+        // "-log" stands where the path token would: it decodes to nothing.
+        {replyWithLog("FileOpen"), 0, open(9), "0 cleared"},
+        {"FileOpen " + base64(path8), 0, open(9), "0 cleared"},
+        {replyWithLog("FileOpen " + base64(path8)), 2, open(9), "2 cleared"},
+        {replyWithLog("FileSave " + base64(path8)), 0, open(9), "7 cleared"},
+        // Unpadded tokens lose their last group, as the value decoder does.
+        {replyWithLog("FileOpen L3RtcC9hLmI"), 0, open(9), "0 /tmp/a"},
+        {replyWithLog("FileOpen " + base64("\xC3\x28")), 0, open(9), "7 cleared"},
+        {"FileOpen " + base64(path8) + " -log", 0, open(9), "7 cleared"},
+        // Both values or neither; the raw reply is logged before the GUI's log.
+        {both, 0, pkcs12(7, 6), "0 /k.p12 heslo", both + "\n" + hello},
+        {both, 0, pkcs12(7, 5), "11 /k.p12 zero", both + "\n" + hello},
+        {both, 0, pkcs12(6, 64), "11 zero zero", both + "\n" + hello},
+        {pathOnly, 0, pkcs12(7, 6), "0 /k.p12 zero", pathOnly + "\n" + hello},
+        {emptyBoth, 0, pkcs12(1, 1), "0 zero zero", emptyBoth + "\n" + hello},
+        {"SelectPKCS12 " + base64("/k.p12") + " " + base64("heslo"), 0, pkcs12(7, 6), "0 zero zero"},
+        {badValue, 0, pkcs12(7, 6), "7 zero zero", badValue + "\n" + hello},
     };
     for (const auto &c : cases) {
         gui.reply(c.reply).exitStatus(c.exit);
-        for (bool initial : {false, true}) {
-            bool answer = initial;
-            EXPECT_EQ(ORV_YesNoDialog("Q", nullptr, 0, &answer), c.result) << c.reply;
-            EXPECT_EQ(answer, c.answer == -1 ? initial : c.answer == 1) << c.reply;
-            const std::string log = newLog();
-            EXPECT_NE(log.find(c.entry), std::string::npos) << c.reply << "\n" << log;
-        }
+        EXPECT_EQ(c.call(), c.outcome) << c.reply << " exit " << c.exit;
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << c.reply << "\n" << log;
     }
 }
 
-// The message box and the certificate display read only the status and the
-// reply's start; a missing log section is logged, not an error.
-TEST_F(Dialogs, MessageBoxAndDisplayReadOnlyStatusAndReplyStart)
+TEST_F(Dialogs, SaveLogsTheRawReplyBeforeTheGuiLog)
 {
-    unsigned char byte = 0;
+    const std::string reply = replyWithLog("FileSave " + base64("/x"), "gui said");
+    gui.reply(reply);
+    HostBuffer buffer(16);
+    EXPECT_EQ(ORV_FileSaveDialog("m", nullptr, buffer.bytes.get(), buffer.size, nullptr), 0);
+    EXPECT_EQ(newLog(), reply + "\nlog z GUI aplikace: gui said \n\n");
+    gui.reply(replyWithLog("FileOpen " + base64("/x"), "gui said"));
+    EXPECT_EQ(ORV_FileOpenDialog("m", nullptr, buffer.bytes.get(), buffer.size, nullptr), 0);
+    EXPECT_EQ(newLog(), "log z GUI aplikace: gui said \n\n");
+}
+
+TEST_F(Dialogs, SpoiltRecordsAreRefusedBeforeAnythingStarts)
+{
+    using Mutation = std::function<void(Records &, unsigned int &)>;
+    const std::pair<const char *, Mutation> cases[] = {
+        {"preselected equals count", [](Records &, unsigned int &s) { s = 3; }},
+        {"second record without data", [](Records &r, unsigned int &) { r.records[1].data = nullptr; }},
+        {"second record of length 0", [](Records &r, unsigned int &) { r.records[1].dataLength = 0; }},
+        {"third record without end of validity", [](Records &r, unsigned int &) { r.records[2].notAfterStr = nullptr; }},
+        {"first record without subject", [](Records &r, unsigned int &) { r.records[0].subjectStr = nullptr; }},
+    };
+    for (const auto &[what, mutate] : cases) {
+        Records records(3);
+        unsigned int selected = 0;
+        bool confirmed = true;
+        mutate(records, selected);
+        const unsigned int before = selected;
+        EXPECT_EQ(select(records, selected), 1) << what;
+        EXPECT_EQ(confirm(records, selected, confirmed), 1) << what;
+        EXPECT_EQ(selected, before);
+        EXPECT_TRUE(confirmed);
+    }
+    EXPECT_FALSE(gui.ran());
+    EXPECT_EQ(newLog(), "");
+}
+
+TEST_F(Dialogs, SelectionPassesTheListInRecordOrder)
+{
+    gui.reply(replyWithLog("CertificateSelect -selectedCert 0"));
+    Records records(2);
+    unsigned int selected = 1;
+    ORV_SetLanguage(0);
+    ASSERT_EQ(select(records, selected), 0);
+    const Args arguments = gui.arguments();
+    ASSERT_EQ(arguments.size(), 8u);
+    EXPECT_EQ(Args(arguments.begin(), arguments.begin() + 7),
+              (Args{"-window", "CertificateSelect", "-lang", "0", "-selectedCert", "1", "-certs"}));
+    std::vector<Certificate> decoded;
+    ASSERT_EQ(Certificate::decodeCertificateArrayFromPropertyList(arguments[7], decoded), 0);
+    ASSERT_EQ(decoded.size(), 2u);
+    for (size_t i = 0; i < 2; ++i) {
+        EXPECT_EQ(decoded[i].data(), records.data[i]);
+        EXPECT_EQ(decoded[i].subjectStr(), records.subjects[i]);
+        EXPECT_EQ(decoded[i].validDaysRemaning(), 30 - static_cast<int>(i));
+        EXPECT_EQ(decoded[i].forceRenew(), i == 1);
+    }
+}
+
+TEST_F(Dialogs, ConfirmationPassesSixteenOrEighteenStrings)
+{
+    gui.reply(replyWithLog("SignatureConfirm -result 1 -selectedCert 0"));
+    Records records(2);
+    ORV_SetLanguage(1);
+    const Args common = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
     const struct {
-        std::string reply;
-        int exit;
-        long result;
-        bool display = false;
-        std::string entries = {};
+        const char *data;
+        const char *rtf;
+        Args expectedHead;
     } cases[] = {
-        {replyWithLog("MessageBox"), 0, 0},
-        {"MessageBox", 0, 0},
-        {"MessageBox anything", 0, 0},
-        {replyWithLog("MessageBox"), 5, 5},
-        {"", 0, 7},
-        {replyWithLog("YesNoDialog"), 0, 7},
-        {replyWithLog("MessageBox"), 200, 7},
-        {"DisplayCert", 0, 0, true, "Odpověď z GUI neobsahovala log.\n\n"},
-        {replyWithLog("MessageBox"), 0, 7, true,
-         "Chybná odpověď od DisplayCert okna.\n\nOdpověď z GUI neobsahovala log.\n\n"},
-        {replyWithLog("DisplayCert"), 4, 4, true},
+        {"ABC", nullptr, {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
+        {"ABC", "XY", {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "WFk=", "-certs"}},
+        {"", nullptr, {"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
+        // Data that is not UTF-8 is sent as the empty value.
+        {"\xFF\xFE", "\xC3\x28", {"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "", "-certs"}},
     };
     for (const auto &c : cases) {
-        gui.reply(c.reply).exitStatus(c.exit);
-        const long result = c.display ? ORV_DisplayCertificate(&byte, 1) : ORV_MessageBox("m", nullptr, 0);
-        EXPECT_EQ(result, c.result) << c.reply << " exit " << c.exit;
-        const std::string log = newLog();
-        EXPECT_TRUE(c.entries.empty() || log == c.entries) << c.reply << ": " << log;
+        unsigned int selected = 0;
+        bool confirmed = false;
+        ASSERT_EQ(confirm(records, selected, confirmed, c.data, c.rtf), 0);
+        Args expected = common;
+        expected.insert(expected.end(), c.expectedHead.begin(), c.expectedHead.end());
+        Args arguments = gui.arguments();
+        ASSERT_EQ(arguments.size(), expected.size() + 1);
+        arguments.pop_back();
+        EXPECT_EQ(arguments, expected);
     }
+}
+
+TEST(FileFilter, ReadsThePatternsOfEveryEntry)
+{
+    using Patterns = std::optional<std::vector<std::string>>;
+    const std::pair<const char *, Patterns> cases[] = {
+        {"Documents (pdf,doc)|Text (txt)", std::vector<std::string>{"pdf", "doc", "txt"}},
+        {"Documents (pdf, doc)", std::vector<std::string>{"pdf", " doc"}},
+        {"x (a)b(c)", std::vector<std::string>{"a"}},
+        {"Any ()", std::vector<std::string>{""}},
+        {"Docs (pdf", std::vector<std::string>{"pdf"}},
+        {"Odd )pdf(", std::vector<std::string>{"pdf"}},
+        {"Images (png,*)", std::nullopt},
+        {"All files (*)", std::nullopt},
+        {"All (*)|broken", std::nullopt},
+        {"Dup (a,a)|Again (a)", std::vector<std::string>{"a", "a", "a"}},
+        {nullptr, std::nullopt},
+        {"Bad (\xFF)", std::nullopt},
+    };
+    for (const auto &[text, expected] : cases)
+        EXPECT_EQ(getFileTypesFromString(text), expected) << (text ? text : "null");
+    for (const char *broken : {"broken|All (*)", "", "Text (txt)|", "no patterns"})
+        EXPECT_THROW(getFileTypesFromString(broken), std::runtime_error) << broken;
 }
 
 } // namespace

@@ -92,8 +92,6 @@ std::vector<Session> sessions()
     return {
         {"MessageWithoutATerminalRepliesAndExitsWithSix", {"-window", "MessageBox", "-message", "Hi", "-icon", "1"},
          {"=6", "^MessageBox -log ", "@No terminal"}, false},
-        {"NoticeWithoutATerminalStillTakesTheCommands", {"-window", "ReinsertCard", "-lang", "2", "-message", "Card"},
-         {"<ReinsertCard removeReinsertCard close", "=6", "^ReinsertCard -log "}, false},
         {"CertificateSelectionShowsTheListAndRepliesTheIndex",
          {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "0", "-certs", certificateList(true)},
          {"?Výber certifikátu", "?Jiří Novák | platný do 2126-10-29", "?Bob Example | platný do 2026-12-01 | zostáva "

@@ -1,6 +1,5 @@
 // AppLauncher against real child processes (the scripted fake GUI).
 #include <OrvelGUIDialogs/AppLauncher.hpp>
-#include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/FakeGui.hpp"
 #include "support/Interruptions.hpp"
@@ -11,10 +10,8 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <sys/time.h>
 #include <unistd.h>
 
-#include <algorithm>
 
 using OrvelTest::FakeGui;
 using OrvelTest::logText;
@@ -49,35 +46,6 @@ Exchange runLauncher(const std::string &window, std::vector<std::string> argumen
 std::string entriesSince(const std::string &before)
 {
     return logText().substr(before.size());
-}
-
-TEST(Launcher, PassesStatusesBelowNineAndMapsTheRestToSeven)
-{
-    const struct {
-        int exit, signal, expected;
-        const char *entry;
-    } cases[] = {
-        {0, 0, 0, nullptr},
-        {3, 0, 3, nullptr},
-        {8, 0, 8, nullptr},
-        {9, 0, 7, "Unknown error code number occured:9\n\n"},
-        {255, 0, 7, "Unknown error code number occured:255\n\n"},
-        // A signal death reports 128 + the signal, never one of the GUI's own codes.
-        {0, SIGKILL, 7, "Unknown error code number occured:137\n\n"},
-        {0, SIGSEGV, 7, "Unknown error code number occured:139\n\n"},
-    };
-    FakeGui gui;
-    for (const auto &c : cases) {
-        SCOPED_TRACE(std::to_string(c.exit) + "/" + std::to_string(c.signal));
-        gui.clear().reply(replyWithLog("MessageBox")).exitStatus(c.exit);
-        if (c.signal)
-            gui.dieBySignal(c.signal);
-        const std::string before = logText();
-        EXPECT_EQ(runLauncher("MessageBox").status, c.expected);
-        const std::string added = entriesSince(before);
-        EXPECT_EQ(c.entry ? added.rfind(c.entry, 0) : added.find("Unknown error"), c.entry ? 0u : std::string::npos)
-            << added;
-    }
 }
 
 TEST(Launcher, ReadsTheReplyAndTheGuiLog)
@@ -166,15 +134,6 @@ TEST(Launcher, WorksWhileTheHostIsInterruptedEveryMillisecond)
         ASSERT_EQ(exchange.reply.size(), 16 + (16u << 20));
     }
     EXPECT_GT(interruptions.count(), 20);
-}
-
-TEST(Launcher, LaunchRaisesForWhatIsNoStartableBundle)
-{
-    const std::string regularFile = std::string(ORVEL_FAKE_GUI_BUNDLE) + "/Contents/Info.plist";
-    for (const std::string &path : {std::string("/nonexistent/App.app"), regularFile, std::string("/tmp"), std::string()}) {
-        AppLauncher launcher;
-        EXPECT_THROW(launcher.Launch(path, {"-window", "MessageBox"}), std::exception) << path;
-    }
 }
 
 } // namespace

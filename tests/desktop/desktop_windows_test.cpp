@@ -11,11 +11,9 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTableView>
 #include <QTimer>
 #include <QtTest>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <functional>

@@ -21,6 +21,11 @@ struct HostBuffer {
     {
         return std::all_of(bytes.get(), bytes.get() + size - 1, [](char c) { return c == 0; }) && bytes[size - 1] == 'x';
     }
+    // "untouched", "cleared" (all zero but the last byte), "zero", or the text.
+    std::string describe() const
+    {
+        return untouched() ? "untouched" : clearedExceptLast() ? "cleared" : allZero() ? "zero" : text();
+    }
     unsigned int size;
     std::unique_ptr<char[]> bytes;
 };
