@@ -88,6 +88,17 @@ class DesktopWindowsTest : public QObject {
 
     int hostEnd_ = -1;
 
+    Outcome show(const Request &r, Answer &answer)
+    {
+        switch (r.window) {
+        case Window::YesNoDialog: return frontEnd_.askYesNo(r, answer);
+        case Window::CertificateSelect: return frontEnd_.selectCertificate(r, answer);
+        case Window::SignatureConfirm: return frontEnd_.confirmSignature(r, answer);
+        case Window::DisplayCert: return frontEnd_.showCertificate(r);
+        default: return frontEnd_.showMessage(r);
+        }
+    }
+
 private slots:
     // Standard input as the library leaves it: a pipe whose other end the
     // host holds while the dialog runs.
@@ -100,17 +111,6 @@ private slots:
         hostEnd_ = fds[1];
     }
     void cleanupTestCase() { ::close(hostEnd_); }
-
-    Outcome show(const Request &r, Answer &answer)
-    {
-        switch (r.window) {
-        case Window::YesNoDialog: return frontEnd_.askYesNo(r, answer);
-        case Window::CertificateSelect: return frontEnd_.selectCertificate(r, answer);
-        case Window::SignatureConfirm: return frontEnd_.confirmSignature(r, answer);
-        case Window::DisplayCert: return frontEnd_.showCertificate(r);
-        default: return frontEnd_.showMessage(r);
-        }
-    }
 
     // The answer's fields are checked for the windows that give them: `yes`,
     // `selected` (-1: any), `confirmed`.
