@@ -1,6 +1,6 @@
 #include <OrvelGUIDialogs/Certificate.hpp>
 
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 
@@ -73,9 +73,9 @@ std::string hex(const std::string &bytes)
     return out;
 }
 
-// python3's own base64 and plistlib read the list text (printing the XML,
-// then each entry with strings and the decoded data in hex) or write a binary
-// list, so neither direction is checked only against this library.
+// python3's own base64 and plistlib read the list text (printing the XML, then
+// each entry with strings and the decoded data in hex) or write a binary list,
+// so neither direction is checked only against this library.
 const char *const kPythonScript = R"(
 import base64, plistlib, sys
 if sys.argv[1] == "binary":

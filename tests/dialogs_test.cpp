@@ -1,12 +1,14 @@
 // Every dialog of the C interface against the fake GUI: what it refuses before
 // anything starts, the argument list it passes, where it takes the exception
-// path, and what it makes of the reply; and the file filter's patterns.
+// path, and what it makes of the reply; the notice's commands; and the file
+// filter's patterns.
 #include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-#include "support/HostBuffer.hpp"
+
+#include <signal.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -133,6 +135,18 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
         std::strcpy(b, name);
         return ORV_SelectPKCS12(b, 64, v, 64);
     };
+    // The certificate list ("*") is read back: the records in their order.
+    Records records(2);
+    unsigned int selected = 1;
+    const auto sign = [&](const char *data, const char *rtf) {
+        bool confirmed = false;
+        return ORV_ConfirmSignature(records.records.data(), 2, &selected, data, rtf, "SHA-256", "0A1B", &confirmed);
+    };
+    const auto confirming = [](const Args &rest) {
+        Args arguments = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
+        arguments.insert(arguments.end(), rest.begin(), rest.end());
+        return arguments;
+    };
     unsigned char bytes[1000];
     for (size_t i = 0; i < sizeof bytes; ++i)
         bytes[i] = static_cast<unsigned char>(i * 7);
@@ -170,10 +184,31 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
         {[&] { return ORV_DisplayCertificate(bytes, 1000); }, {"-window", "DisplayCert", "-cert", sent(1000)}},
         {[] { return ORV_ReinsertCardShow("Vyjměte kartu") + ORV_ReinsertCardClose(); },
          {"-window", "ReinsertCard", "-lang", "1", "-message", "Vyjměte kartu"}},
+        {[&] { return ORV_SelectCertificate(records.records.data(), 2, &selected); },
+         {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "1", "-certs", "*"}},
+        {[&] { return sign("ABC", nullptr); }, confirming({"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert",
+                                                         "1", "-certs", "*"})},
+        {[&] { return sign("ABC", "XY"); }, confirming({"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "1",
+                                                      "-rtf", "WFk=", "-certs", "*"})},
+        {[&] { return sign("", nullptr); }, confirming({"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "1",
+                                                      "-certs", "*"})},
+        // Data that is not UTF-8 is sent as the empty value.
+        {[&] { return sign("\xFF\xFE", "\xC3\x28"); }, confirming({"", "-hashAlg", "SHA-256", "-hashVal", "0A1B",
+                                                                 "-selectedCert", "1", "-rtf", "", "-certs", "*"})},
     };
     for (const auto &[call, expected] : cases) {
         call();
-        EXPECT_EQ(gui.arguments(), expected);
+        Args arguments = gui.arguments();
+        if (expected.back() == "*" && !arguments.empty()) {
+            std::vector<Certificate> decoded;
+            ASSERT_EQ(Certificate::decodeCertificateArrayFromPropertyList(arguments.back(), decoded), 0);
+            ASSERT_EQ(decoded.size(), 2u);
+            for (size_t i = 0; i < 2; ++i)
+                EXPECT_TRUE(decoded[i].data() == records.data[i] && decoded[i].subjectStr() == records.subjects[i] &&
+                            decoded[i].validDaysRemaning() == 30 - static_cast<int>(i) && decoded[i].forceRenew() == (i == 1));
+            arguments.back() = "*";
+        }
+        EXPECT_EQ(arguments, expected);
     }
 }
 
@@ -322,26 +357,19 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
         std::function<std::string()> call;
         std::string outcome, entry = {};
     } cases[] = {
-        {replyWithLog("YesNoDialog yes"), 0, yesNo, "0 11"},
-        {replyWithLog("YesNoDialog no"), 0, yesNo, "0 00"},
-        {replyWithLog("YesNoDialog nope"), 0, yesNo, "0 00"},
-        {replyWithLog("YesNoDialog yesterday"), 0, yesNo, "0 11"},
+        {replyWithLog("YesNoDialog yes"), 0, yesNo, "0 11"}, {replyWithLog("YesNoDialog no"), 0, yesNo, "0 00"},
+        {replyWithLog("YesNoDialog nope"), 0, yesNo, "0 00"}, {replyWithLog("YesNoDialog yesterday"), 0, yesNo, "0 11"},
         {replyWithLog("YesNoDialog  yes"), 0, yesNo, "7 01", "Wrong YesNoDialog response!\n"},
         {replyWithLog("YesNoDialog maybe"), 0, yesNo, "7 01", "Wrong YesNoDialog response!\n"},
-        {"YesNoDialog yes", 0, yesNo, "0 01", noLog},
-        {replyWithLog("YesNoDialog yes"), 2, yesNo, "2 01"},
+        {"YesNoDialog yes", 0, yesNo, "0 01", noLog}, {replyWithLog("YesNoDialog yes"), 2, yesNo, "2 01"},
         {replyWithLog("YesNoDialog yes"), 9, yesNo, "7 01", "Unknown error code number occured:9\n\n"},
         {replyWithLog("MessageBox yes"), 0, yesNo, "7 01", "Chybná odpověď od YesNoDialog okna.\n\n"},
-        // The message box and the display read only the status and the
-        // reply's start; the GUI's own statuses below 9 pass, the rest is 7.
-        {replyWithLog("MessageBox"), 0, message, "0"},
-        {"MessageBox", 0, message, "0"},
-        {"MessageBox anything", 0, message, "0"},
-        {replyWithLog("MessageBox"), 5, message, "5"},
-        {replyWithLog("MessageBox"), 8, message, "8"},
-        {"", 0, message, "7"},
-        {replyWithLog("YesNoDialog"), 0, message, "7"},
-        {replyWithLog("MessageBox"), 200, message, "7"},
+        // The message box and the display read only the status and the reply's
+        // start; the GUI's own statuses below 9 pass, the rest is 7.
+        {replyWithLog("MessageBox"), 0, message, "0"}, {"MessageBox", 0, message, "0"},
+        {"MessageBox anything", 0, message, "0"}, {replyWithLog("MessageBox"), 5, message, "5"},
+        {replyWithLog("MessageBox"), 8, message, "8"}, {"", 0, message, "7"},
+        {replyWithLog("YesNoDialog"), 0, message, "7"}, {replyWithLog("MessageBox"), 200, message, "7"},
         {"DisplayCert", 0, display, "0", noLog},
         {replyWithLog("MessageBox"), 0, display, "7", "Chybná odpověď od DisplayCert okna.\n\n" + noLog},
         {replyWithLog("DisplayCert"), 4, display, "4"},
@@ -376,8 +404,7 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
         {replyWithLog("FileOpen " + base64("")), 0, open(1), "0 zero"},
         {replyWithLog("FileOpen " + base64("/")), 0, open(1), "11 untouched"},
         // "-log" stands where the path token would: it decodes to nothing.
-        {replyWithLog("FileOpen"), 0, open(9), "0 cleared"},
-        {"FileOpen " + base64(path8), 0, open(9), "0 cleared"},
+        {replyWithLog("FileOpen"), 0, open(9), "0 cleared"}, {"FileOpen " + base64(path8), 0, open(9), "0 cleared"},
         {replyWithLog("FileOpen " + base64(path8)), 2, open(9), "2 cleared"},
         {replyWithLog("FileSave " + base64(path8)), 0, open(9), "7 cleared"},
         // Unpadded tokens lose their last group, as the value decoder does.
@@ -438,56 +465,95 @@ TEST_F(Dialogs, SpoiltRecordsAreRefusedBeforeAnythingStarts)
     EXPECT_EQ(newLog(), "");
 }
 
-TEST_F(Dialogs, SelectionPassesTheListInRecordOrder)
+// The modeless reinsert-card notice: show, switch and close against a fake GUI
+// that records what it reads from its stdin.
+TEST_F(Dialogs, NoticeCommandsReachTheGuiAsOneStreamAndCloseGivesItsStatus)
 {
-    gui.reply(replyWithLog("CertificateSelect -selectedCert 0"));
-    Records records(2);
-    unsigned int selected = 1;
-    ORV_SetLanguage(0);
-    ASSERT_EQ(select(records, selected), 0);
-    const Args arguments = gui.arguments();
-    ASSERT_EQ(arguments.size(), 8u);
-    EXPECT_EQ(Args(arguments.begin(), arguments.begin() + 7),
-              (Args{"-window", "CertificateSelect", "-lang", "0", "-selectedCert", "1", "-certs"}));
-    std::vector<Certificate> decoded;
-    ASSERT_EQ(Certificate::decodeCertificateArrayFromPropertyList(arguments[7], decoded), 0);
-    ASSERT_EQ(decoded.size(), 2u);
-    for (size_t i = 0; i < 2; ++i) {
-        EXPECT_EQ(decoded[i].data(), records.data[i]);
-        EXPECT_EQ(decoded[i].subjectStr(), records.subjects[i]);
-        EXPECT_EQ(decoded[i].validDaysRemaning(), 30 - static_cast<int>(i));
-        EXPECT_EQ(decoded[i].forceRenew(), i == 1);
+    gui.readStdin().reply(replyWithLog("ReinsertCard")).exitStatus(5);
+    ORV_SetLanguage(2);
+    ASSERT_EQ(ORV_ReinsertCardShow("Vyjměte kartu"), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(0), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(2), 1);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(-1), 1);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 5);
+    // The fake read to the end of its input: the close command ended it.
+    EXPECT_EQ(gui.stdinBytes(), "ReinsertCard insertReinsertCard removeReinsertCard close");
+    // What the notice writes never reaches the log.
+    EXPECT_EQ(newLog(), "");
+    EXPECT_EQ(OrvelTest::childProcessCount(), 0);
+}
+
+TEST_F(Dialogs, NoticeCloseMapsUnknownStatusesAndDrainsOutputNobodyReads)
+{
+    // Far more output than a pipe holds: close must not wait for ever.
+    gui.readStdin().fill(8u << 20).exitStatus(12);
+    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 7);
+    EXPECT_EQ(newLog(), "Unknown error code number occured:12\n\n");
+}
+
+TEST_F(Dialogs, ANoticeLauncherThatCannotTakeCommandsGivesSevenAndTheHostLives)
+{
+    // SIGPIPE at its default disposition would kill the test if it leaked.
+    signal(SIGPIPE, SIG_DFL);
+    struct Step {
+        const char *what;
+        void (*prepare)();
+    };
+    const Step steps[] = {
+        {"the notice was closed", [] {
+             ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+             ASSERT_EQ(ORV_ReinsertCardClose(), 0);
+         }},
+        {"a modal dialog took the slot", [] { ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0); }},
+        {"the launch failed", [] {
+             ORV_SetAppPath("/nonexistent.app");
+             ASSERT_EQ(ORV_ReinsertCardShow("m"), 7);
+             ORV_SetAppPath(OrvelTest::FakeGui::bundlePath().c_str());
+         }},
+    };
+    gui.reply(replyWithLog("MessageBox"));
+    for (const auto &step : steps) {
+        step.prepare();
+        newLog();
+        EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 7) << step.what;
+        EXPECT_TRUE(OrvelTest::isExceptionEntry(newLog())) << step.what;
+        EXPECT_EQ(ORV_ReinsertCardClose(), 7) << step.what;
+        EXPECT_TRUE(OrvelTest::isExceptionEntry(newLog())) << step.what;
     }
 }
 
-TEST_F(Dialogs, ConfirmationPassesSixteenOrEighteenStrings)
+TEST_F(Dialogs, AReplacedNoticeKeepsRunningAndIsReapedOnceItExits)
 {
-    gui.reply(replyWithLog("SignatureConfirm -result 1 -selectedCert 0"));
-    Records records(2);
-    ORV_SetLanguage(1);
-    const Args common = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
-    const struct {
-        const char *data;
-        const char *rtf;
-        Args expectedHead;
-    } cases[] = {
-        {"ABC", nullptr, {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
-        {"ABC", "XY", {"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "WFk=", "-certs"}},
-        {"", nullptr, {"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-certs"}},
-        // Data that is not UTF-8 is sent as the empty value.
-        {"\xFF\xFE", "\xC3\x28", {"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "", "-certs"}},
-    };
-    for (const auto &c : cases) {
-        unsigned int selected = 0;
-        bool confirmed = false;
-        ASSERT_EQ(confirm(records, selected, confirmed, c.data, c.rtf), 0);
-        Args expected = common;
-        expected.insert(expected.end(), c.expectedHead.begin(), c.expectedHead.end());
-        Args arguments = gui.arguments();
-        ASSERT_EQ(arguments.size(), expected.size() + 1);
-        arguments.pop_back();
-        EXPECT_EQ(arguments, expected);
-    }
+    gui.reply(replyWithLog("MessageBox")).sleepMs(300);
+    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+    EXPECT_EQ(OrvelTest::childProcessCount(), 1);
+    // The modal dialog replaces the slot; the notice is not stopped.
+    gui.sleepMs(0);
+    ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
+    EXPECT_EQ(OrvelTest::childProcessCount(), 1);
+    ASSERT_TRUE(OrvelTest::childrenHaveExited());
+    EXPECT_EQ(OrvelTest::zombieChildCount(), 1);
+    // The next dialog call releases it.
+    ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
+    EXPECT_EQ(OrvelTest::childProcessCount(), 0);
+}
+
+TEST_F(Dialogs, ShowingANoticeTwiceReachesOnlyTheSecond)
+{
+    gui.readStdin();
+    ASSERT_EQ(ORV_ReinsertCardShow("first"), 0);
+    OrvelTest::FakeGui second;
+    second.readStdin().exitStatus(3);
+    // The first notice keeps the first script: it is still waiting for input.
+    ASSERT_EQ(ORV_ReinsertCardShow("second"), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(0), 0);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 3);
+    EXPECT_EQ(second.stdinBytes(), "ReinsertCard removeReinsertCard close");
+    // The first one's input was closed when it was replaced: it has ended.
+    EXPECT_TRUE(OrvelTest::childrenHaveExited());
+    EXPECT_EQ(gui.stdinBytes(), "");
 }
 
 TEST(FileFilter, ReadsThePatternsOfEveryEntry)
@@ -495,16 +561,11 @@ TEST(FileFilter, ReadsThePatternsOfEveryEntry)
     using Patterns = std::optional<std::vector<std::string>>;
     const std::pair<const char *, Patterns> cases[] = {
         {"Documents (pdf,doc)|Text (txt)", std::vector<std::string>{"pdf", "doc", "txt"}},
-        {"Documents (pdf, doc)", std::vector<std::string>{"pdf", " doc"}},
-        {"x (a)b(c)", std::vector<std::string>{"a"}},
-        {"Any ()", std::vector<std::string>{""}},
-        {"Docs (pdf", std::vector<std::string>{"pdf"}},
-        {"Odd )pdf(", std::vector<std::string>{"pdf"}},
-        {"Images (png,*)", std::nullopt},
-        {"All files (*)", std::nullopt},
-        {"All (*)|broken", std::nullopt},
-        {"Dup (a,a)|Again (a)", std::vector<std::string>{"a", "a", "a"}},
-        {nullptr, std::nullopt},
+        {"Documents (pdf, doc)", std::vector<std::string>{"pdf", " doc"}}, {"x (a)b(c)", std::vector<std::string>{"a"}},
+        {"Any ()", std::vector<std::string>{""}}, {"Docs (pdf", std::vector<std::string>{"pdf"}},
+        {"Odd )pdf(", std::vector<std::string>{"pdf"}}, {"Images (png,*)", std::nullopt},
+        {"All files (*)", std::nullopt}, {"All (*)|broken", std::nullopt},
+        {"Dup (a,a)|Again (a)", std::vector<std::string>{"a", "a", "a"}}, {nullptr, std::nullopt},
         {"Bad (\xFF)", std::nullopt},
     };
     for (const auto &[text, expected] : cases)

@@ -4,9 +4,6 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-#include "support/Interruptions.hpp"
-#include "support/ProcessCensus.hpp"
-#include "support/Sanitizers.hpp"
 
 #include <fcntl.h>
 #include <signal.h>
@@ -49,8 +46,8 @@ protected:
     void SetUp() override
     {
         DialogTest::SetUp();
-        // One dialog first, so that whatever the first one sets up for good
-        // is not counted as left behind.
+        // One dialog first, so that whatever the first one sets up for good is
+        // not counted as left behind.
         gui.reply(replyWithLog("MessageBox"));
         EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
         newLog();
@@ -190,8 +187,8 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
     signal(SIGPIPE, SIG_DFL);
     const Watchdog watchdog(120);
     // 1 MiB of commands, far more than the pipe holds; not one switch waits.
-    // The notice wakes up and exits a little later without reading: close
-    // waits for it and drops what it never read.
+    // The notice wakes up and exits a little later without reading: close waits
+    // for it and drops what it never read.
     const std::string sent = noticeAfterSwitches(
         [](FakeGui &g) { g.reply("ReinsertCard").sleepMs(200).exitStatus(4); }, (1u << 20) / 19 + 1, 4);
     EXPECT_EQ(newLog(), droppedCommandsEntry(sent.size() + 18) + "\n");
@@ -342,8 +339,8 @@ TEST_F(Faults, AHostsOwnSigchldReaperTakesNoStatusFromThisThread)
     EXPECT_EQ(ORV_ReinsertCardShow("m") + ORV_ReinsertCardClose(), 5);
     signal(SIGCHLD, SIG_DFL);
 
-    // A waitpid(-1) on another thread may win the race: then the log says
-    // so and the result is 7, never a made-up status.
+    // A waitpid(-1) on another thread may win the race: then the log says so
+    // and the result is 7, never a made-up status.
     std::atomic<pid_t> taken{0};
     std::atomic<bool> done{false};
     std::thread waiter([&] {

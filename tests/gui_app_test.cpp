@@ -1,5 +1,5 @@
-// The reference GUI application driven directly: argument lists in, keys on
-// its terminal, and its reply and log read back.
+// The reference GUI application driven directly: argument lists in, keys on its
+// terminal, and its reply and log read back.
 #include "terminal_driver.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
@@ -41,17 +41,11 @@ std::string clauses(int count)
 TEST(GuiApp, BadCommandLinesExitWithFiveAndALog)
 {
     const std::vector<std::vector<std::string>> cases = {
-        {},
-        {"-window", "NoSuchWindow"},
-        {"-window", "MessageBox", "-icon", "0"},
-        {"-window", "MessageBox", "-message"},
+        {}, {"-window", "NoSuchWindow"}, {"-window", "MessageBox", "-icon", "0"}, {"-window", "MessageBox", "-message"},
         {"-window", "YesNoDialog", "-message", "Q", "-button", "2"},
-        {"-window", "FileOpen", "-message", "M", "-lang", "cz"},
-        {"-window", "DisplayCert", "-cert", "not base64!"},
-        {"-window", "DisplayCert", "-cert", "QUI"},
-        {"-window", "DisplayCert", "-cert", "QU=D"},
-        {"-window", "DisplayCert", "-cert", "Q==="},
-        {"-window", "DisplayCert", "-cert", "QUJ\xE1"},
+        {"-window", "FileOpen", "-message", "M", "-lang", "cz"}, {"-window", "DisplayCert", "-cert", "not base64!"},
+        {"-window", "DisplayCert", "-cert", "QUI"}, {"-window", "DisplayCert", "-cert", "QU=D"},
+        {"-window", "DisplayCert", "-cert", "Q==="}, {"-window", "DisplayCert", "-cert", "QUJ\xE1"},
         {"-window", "CertificateSelect", "-certs", base64("<plist>no</plist>")},
         {"-window", "CertificateSelect", "-certs", certificateList(), "-selectedCert", "2"},
         {"-window", "SignatureConfirm", "-certs", certificateList(), "-version", "1", "-data", "QUJD", "-hashAlg",

@@ -2,9 +2,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 
 #include "support/FakeGui.hpp"
-#include "support/Interruptions.hpp"
-#include "support/LogReader.hpp"
-#include "support/ProcessCensus.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 
@@ -59,16 +57,12 @@ TEST(Launcher, ReadsTheReplyAndTheGuiLog)
     } cases[] = {
         {"MessageBox -log " + hello, 0, 0, helloEntry},
         // The beginning test is a test of the text's start, not of a token.
-        {"MessageBoxes -log " + hello, 0, 0, helloEntry},
-        {"", 7, 7, noLog},
+        {"MessageBoxes -log " + hello, 0, 0, helloEntry}, {"", 7, 7, noLog},
         {"YesNoDialog yes -log " + hello, 7, 7, wrong + noLog},
-        {"MessageBox \xC3\x28 -log " + hello, 7, 7, wrong + noLog},
-        {"MessageBox", 0, 7, noLog},
-        {"MessageBox -log", 0, -1, ""},
-        {"MessageBox -log  ", 0, 0, "log z GUI aplikace je prazdný\n"},
+        {"MessageBox \xC3\x28 -log " + hello, 7, 7, wrong + noLog}, {"MessageBox", 0, 7, noLog},
+        {"MessageBox -log", 0, -1, ""}, {"MessageBox -log  ", 0, 0, "log z GUI aplikace je prazdný\n"},
         // The line feed stays part of the last token: "-log\n" is no "-log".
-        {"MessageBox -log\n", 0, 7, noLog},
-        {"MessageBox -log " + hello + "\n", 0, 0, helloEntry},
+        {"MessageBox -log\n", 0, 7, noLog}, {"MessageBox -log " + hello + "\n", 0, 0, helloEntry},
         {"MessageBox -log " + OrvelTest::base64(std::string("ab\0cd", 5)), 0, 0, "log z GUI aplikace: ab \n\n"},
         {"MessageBox -log " + hello + " -log " + OrvelTest::base64("second"), 0, 0, helloEntry},
         // A log that is not UTF-8 keeps its readable part.

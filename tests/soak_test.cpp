@@ -5,8 +5,6 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-#include "support/ProcessCensus.hpp"
-#include "support/Sanitizers.hpp"
 
 #include <signal.h>
 #include <unistd.h>
@@ -24,8 +22,8 @@ namespace {
 
 using OrvelTest::kAddressSanitizer;
 
-// Anonymous resident memory of this process in bytes: the heap, not the
-// mapped files whose pages come and go.
+// Anonymous resident memory of this process in bytes: the heap, not the mapped
+// files whose pages come and go.
 long long residentAnonymousBytes()
 {
     std::ifstream status("/proc/self/status");
@@ -41,7 +39,8 @@ protected:
     {
         DialogTest::SetUp();
         ORV_SetOrvelSignVersion("2.1");
-        // SIGPIPE at its default: a write to a dead notice must not end the host.
+        // SIGPIPE at its default: a write to a dead notice must not end the
+        // host.
         signal(SIGPIPE, SIG_DFL);
     }
 
@@ -110,7 +109,8 @@ protected:
             {"notice replaced by a modal dialog", replying(replyWithLog("MessageBox")),
              [] { return ORV_ReinsertCardShow("m") + ORV_MessageBox("m", nullptr, 0); }, 0},
             {"notice that never reads its commands",
-             // It wakes up a little after close began, so that close finds it running.
+             // It wakes up a little after close began, so that close finds it
+             // running.
              [gate](FakeGui &g) { g.gate(gate).sleepMs(20).exitStatus(2); },
              [gate] {
                  long result = ORV_ReinsertCardShow("m");
@@ -147,9 +147,9 @@ TEST_F(Soak, TenThousandDialogsLeaveNothingBehind)
     const auto all = steps();
     // One round first: what the first dialogs set up for good is no growth.
     runDialogs(all, all.size());
-    // Room for everything the log will gain, so that its growth is exactly
-    // the bytes it gains: reallocations would leave freed copies behind in
-    // the heap that look like a leak.
+    // Room for everything the log will gain, so that its growth is exactly the
+    // bytes it gains: reallocations would leave freed copies behind in the heap
+    // that look like a leak.
     g_logBuffer->reserve(g_logBuffer->size() + (256u << 20));
 
     const int descriptors = OrvelTest::openDescriptorCount();
@@ -172,8 +172,8 @@ TEST_F(Soak, TenThousandDialogsLeaveNothingBehind)
         // exit stands in for this one.
         return;
     }
-    // Allocator noise, not a leak: a leak of even 100 bytes per dialog would
-    // be 1 MB here.
+    // Allocator noise, not a leak: a leak of even 100 bytes per dialog would be
+    // 1 MB here.
     EXPECT_LT(growth, 512 * 1024);
 }
 

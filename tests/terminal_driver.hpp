@@ -8,7 +8,7 @@
 
 #include <OrvelGUIDialogs/Util.hpp>
 
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 
@@ -64,8 +64,8 @@ inline std::string guiLog(const std::string &reply)
 // No call here retries after EINTR: these test processes catch no signal.
 class DrivenProcess {
 public:
-    // Standard output is a pipe, and so is standard input for `pipeStdin`;
-    // the rest is the terminal, or /dev/null and a pipe for standard error.
+    // Standard output is a pipe, and so is standard input for `pipeStdin`; the
+    // rest is the terminal, or /dev/null and a pipe for standard error.
     DrivenProcess(const std::vector<std::string> &argv, const Session &session, bool pipeStdin,
                   std::vector<std::string> environment, const std::string &directory)
     {
@@ -165,8 +165,8 @@ public:
         stdinFd_ = -1;
     }
 
-    // The exit status (128 + N after signal N), or -1 when the process did
-    // not end in time (it is killed then).
+    // The exit status (128 + N after signal N), or -1 when the process did not
+    // end in time (it is killed then).
     int waitExit()
     {
         for (const auto deadline = now() + kWaitMs;; pump(20)) {

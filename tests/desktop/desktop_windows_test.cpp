@@ -1,5 +1,5 @@
-// The desktop windows, offscreen: each built from a request, answered with
-// keys through the front end, and the outcome and answer checked.
+// The desktop windows, offscreen: each built from a request, answered with keys
+// through the front end, and the outcome and answer checked.
 #include "desktop/DesktopFrontEnd.hpp"
 #include "desktop/FileChooserWindow.hpp"
 #include "desktop/HostWatch.hpp"
@@ -100,8 +100,8 @@ class DesktopWindowsTest : public QObject {
     }
 
 private slots:
-    // Standard input as the library leaves it: a pipe whose other end the
-    // host holds while the dialog runs.
+    // Standard input as the library leaves it: a pipe whose other end the host
+    // holds while the dialog runs.
     void initTestCase()
     {
         int fds[2];

@@ -1,13 +1,19 @@
-// The platform layer's pieces that the public interface cannot reach alone:
-// strict UTF-8, bundle lookup, the argument list and reply tokens.
+// The library's inner parts that the public interface cannot reach alone:
+// strict UTF-8, bundle lookup, the argument list, reply tokens and numbers,
+// room for large buffers, and the fuzzers' stand-in for the GUI application.
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
+
 #include "dialogs/DialogExchange.hpp"
 #include "launcher/ArgumentList.hpp"
+#include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
+#include "launcher/ScriptedChild.hpp"
 #include "platform/Bundle.hpp"
 #include "platform/HostText.hpp"
 #include "platform/PlatformException.hpp"
+#include "util/LargeBuffer.hpp"
 
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 
@@ -67,11 +73,8 @@ TEST_F(Bundles, FindTheExecutableInEitherLayout)
     writeFile("Bare.app/Contents/MacOS/Bare", "");
     writeFile("Plain/Plain", "");
     const std::pair<std::string, std::string> found[] = {
-        {"Mac.app", "Mac.app/Contents/MacOS/Runner"},
-        {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
-        {"Flat.app", "Flat.app/flat-runner"},
-        {"Bare.app", "Bare.app/Contents/MacOS/Bare"},
-        {"Plain", "Plain/Plain"},
+        {"Mac.app", "Mac.app/Contents/MacOS/Runner"}, {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
+        {"Flat.app", "Flat.app/flat-runner"}, {"Bare.app", "Bare.app/Contents/MacOS/Bare"}, {"Plain", "Plain/Plain"},
     };
     for (const auto &[bundle, executable] : found)
         EXPECT_EQ(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)), path(executable)) << bundle;
@@ -134,6 +137,78 @@ TEST(IntegerValue, ReadsLikeThePlatformsIntegerValue)
     };
     for (const auto &[text, value] : cases)
         EXPECT_EQ(integerValue(text), value) << text;
+}
+
+// Room for large buffers, and the reply's room kept across dialogs.
+using OrvelDialogs::LargeBuffer::kLargeBytes;
+
+std::string pattern(size_t size, char seed)
+{
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(seed + i * 7);
+    return bytes;
+}
+
+TEST(LargeBuffer, ExtendsKeepingTheContentsAcrossSmallAndHugeRoom)
+{
+    std::string text = "start";
+    std::string expected = text;
+    // Each step crosses from small room into huge-page room or grows it.
+    for (const size_t added : {size_t{10}, kLargeBytes - 100, size_t{1}, 3 * kLargeBytes + 5, size_t{0}}) {
+        const size_t oldCapacity = text.capacity();
+        const std::string more = pattern(added, static_cast<char>(added));
+        char *at = OrvelDialogs::LargeBuffer::extendUninitialized(text, text.size() + added);
+        ASSERT_EQ(at, text.data() + expected.size());
+        std::copy(more.begin(), more.end(), at);
+        expected += more;
+        ASSERT_EQ(text, expected);
+        if (text.capacity() != oldCapacity) {
+            EXPECT_GE(text.capacity(), 2 * oldCapacity) << "room grows geometrically";
+        }
+    }
+    const std::string before = text;
+    OrvelDialogs::LargeBuffer::reserve(text, text.size() + 10 * kLargeBytes);
+    EXPECT_GE(text.capacity(), before.size() + 10 * kLargeBytes);
+    EXPECT_EQ(text, before);
+}
+
+TEST(ReplyBuffer, KeepsALargeReplysRoomUntilEightDialogsHadNone)
+{
+    std::string reply = OrvelDialogs::Launcher::takeReplyBuffer();
+    EXPECT_EQ(reply.capacity(), std::string().capacity());
+    reply = pattern(2 * kLargeBytes, 'a');
+    const size_t room = reply.capacity();
+    OrvelDialogs::Launcher::keepReplyBuffer(std::move(reply));
+
+    for (int dialog = 1; dialog <= 9; ++dialog) {
+        std::string next = OrvelDialogs::Launcher::takeReplyBuffer();
+        EXPECT_TRUE(next.empty());
+        if (dialog <= 8) {
+            EXPECT_EQ(next.capacity(), room) << "dialog " << dialog;
+        } else {
+            EXPECT_LT(next.capacity(), room) << "released after eight dialogs without a large reply";
+        }
+        next = "small reply";
+        OrvelDialogs::Launcher::keepReplyBuffer(std::move(next));
+    }
+}
+
+// The fuzzers' stand-in for the GUI application drives the same reply
+// handling as a real child.
+TEST(ScriptedChild, StandsInForTheGuiApplication)
+{
+    const OrvelDialogs::Launcher::ScriptedChild child{0, "YesNoDialog no -log aGVsbG8="};
+    OrvelDialogs::Launcher::setScriptedChild(&child);
+    ORV_SetAppPath("/no/bundle/needed");
+    bool answer = true;
+    EXPECT_EQ(ORV_YesNoDialog("Q", nullptr, 0, &answer), 0);
+    EXPECT_FALSE(answer);
+    EXPECT_EQ(OrvelTest::logText(), "log z GUI aplikace: hello \n\n");
+    const OrvelDialogs::Launcher::ScriptedChild failing{12, ""};
+    OrvelDialogs::Launcher::setScriptedChild(&failing);
+    EXPECT_EQ(ORV_YesNoDialog("Q", nullptr, 0, &answer), 7);
+    OrvelDialogs::Launcher::setScriptedChild(nullptr);
 }
 
 } // namespace

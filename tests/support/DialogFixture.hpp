@@ -5,8 +5,7 @@
 #include <OrvelGUIDialogs/OrvelGUIDialogs.h>
 
 #include "support/FakeGui.hpp"
-#include "support/LogReader.hpp"
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 

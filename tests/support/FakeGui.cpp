@@ -1,6 +1,6 @@
 #include "support/FakeGui.hpp"
 
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <unistd.h>
 

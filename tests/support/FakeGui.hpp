@@ -1,6 +1,6 @@
-// Scripts the fake GUI application for one test and reads back what it saw.
-// The fake reads its script from environment variables, which the library's
-// child inherits; the destructor clears them again.
+// Scripts the fake GUI application for one test and reads back what it saw. The
+// fake reads its script from environment variables, which the library's child
+// inherits; the destructor clears them again.
 #pragma once
 
 #include <string>
@@ -19,9 +19,9 @@ public:
     static std::string bundlePath() { return ORVEL_FAKE_GUI_BUNDLE; }
 
     // Back to the default script (no reply, exit 0) with the same record
-    // directory. The C library keeps every distinct environment string it
-    // was given for good, so a long run re-scripts one fake with recurring
-    // values instead of making a new one per dialog.
+    // directory. The C library keeps every distinct environment string it was
+    // given for good, so a long run re-scripts one fake with recurring values
+    // instead of making a new one per dialog.
     FakeGui &clear();
 
     // Any bytes, zero bytes and invalid UTF-8 included.

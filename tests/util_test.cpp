@@ -1,0 +1,325 @@
+// The Util helpers: Base64 (beside the certificate list's own codec), text
+// encodings through iconv, strings, and whole files.
+#include <OrvelGUIDialogs/Certificate.hpp>
+#include <OrvelGUIDialogs/Util.hpp>
+
+#include "support/Host.hpp"
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <clocale>
+#include <filesystem>
+
+using OrvelDialogs::Util;
+using OrvelTest::readFile;
+using OrvelTest::writeFile;
+
+namespace {
+
+std::string encode(const std::string &bytes)
+{
+    return Util::Base64Encode(reinterpret_cast<const unsigned char *>(bytes.data()),
+                              static_cast<unsigned int>(bytes.size()));
+}
+
+TEST(UtilBase64, EncodesWithPaddingFourBytesPerStartedGroup)
+{
+    const std::pair<std::string, std::string> cases[] = {{"A", "QQ=="},    {"AB", "QUI="},         {"ABC", "QUJD"},
+                                                         {"ABCD", "QUJDRA=="}, {"\xFF\xFE", "//4="}, {"", ""},
+                                                         {std::string("\0\0\0", 3), "AAAA"}};
+    for (const auto &[bytes, text] : cases)
+        EXPECT_EQ(encode(bytes), text) << bytes;
+    EXPECT_EQ(Util::Base64Encode(nullptr, 0), ""); // the pointer is never read
+    for (unsigned n : {1u, 2u, 3u, 999u, 1000u, 1001u})
+        EXPECT_EQ(encode(std::string(n, 'x')).size(), 4 * ((n + 2) / 3)) << n;
+}
+
+// Util's decoder stops at the first byte outside the alphabet and decodes an
+// open group; the certificate list's skips such bytes, stops at padding and
+// drops an open group.
+TEST(Base64, TheDecodersTreatForeignBytesPaddingAndOpenGroupsApart)
+{
+    const std::string zeros("\0\0\0", 3);
+    const struct {
+        std::string text, util, certificate;
+    } cases[] = {
+        {"QUJD", "ABC", "ABC"},      {"QUI=", "AB", "AB"},          {"QUI", "AB", ""},           {"QQ==", "A", "A"},
+        {"QQ", "A", ""},             {"Q", "", ""},                 {"QUJDRA", "ABCD", "ABC"},   {"QUJDR", "ABC", "ABC"},
+        {"QUJD\nREVG", "ABC", "ABCDEF"}, {"QUJD REVG", "ABC", "ABCDEF"}, {"=QUJD", "", ""},      {"QUJD=REVG", "ABC", "ABC"},
+        {"QUJ-", "AB", ""},          {"////", "\xFF\xFF\xFF", "\xFF\xFF\xFF"}, {"", "", ""},     {"QUJD_REVG", "ABC", "ABCDEF"},
+        {"AAAA", zeros, zeros},      {"QU-JD", "A", "ABC"},         {"QU=I", "A", "A"},          {"Q\tU\rJ_D\x01", "", "ABC"},
+        {"QU\xC3\xA1JD", "A", "ABC"},
+        // One value before "=": one byte, the value in its upper six bits and
+        // zeros below ('Q' is 16, 'R' 17).
+        {"Q=", "", "\x40"},          {"QUJDR=", "ABC", "ABC\x44"},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(Util::Base64Decode(c.text), c.util) << c.text;
+        EXPECT_EQ(Certificate::b64StringToData(c.text), c.certificate) << c.text;
+    }
+}
+
+TEST(Base64, BothRoundTripEveryByteValueAndEncodeAlike)
+{
+    std::string bytes;
+    for (int i = 0; i < 256; ++i)
+        bytes.push_back(static_cast<char>(i));
+    for (size_t cut = 0; cut < 4; ++cut) {
+        const std::string part = bytes.substr(cut), text = encode(part);
+        EXPECT_EQ(Util::Base64Decode(text), part);
+        EXPECT_EQ(Certificate::dataToBase64String(part), text);
+        EXPECT_EQ(Certificate::b64StringToData(text), part);
+    }
+    EXPECT_EQ(Certificate::dataToBase64String(""), "");
+}
+
+// Long texts take the wide (vector) paths; each short piece of them takes the
+// plain one, which the cases above pin down. Both must agree everywhere.
+TEST(UtilBase64, LongTextsAgreeWithTheirShortPieces)
+{
+    std::string bytes;
+    for (int i = 0; i < 3000; ++i)
+        bytes.push_back(static_cast<char>(i * 37 + i / 256));
+    const std::string text = encode(bytes);
+    for (size_t at = 0; at + 24 <= bytes.size(); at += 24)
+        ASSERT_EQ(text.substr(at / 3 * 4, 32), encode(bytes.substr(at, 24))) << "bytes from " << at;
+    EXPECT_EQ(Util::Base64Decode(text), bytes);
+    // A byte outside the alphabet anywhere ends decoding right there.
+    for (const size_t stop : {size_t{0}, size_t{5}, size_t{31}, size_t{64}, size_t{100}, size_t{1001}, text.size() - 1})
+        for (const char bad : {'=', '\n', '-', '\x80'}) {
+            std::string broken = text;
+            broken[stop] = bad;
+            ASSERT_EQ(Util::Base64Decode(broken), Util::Base64Decode(text.substr(0, stop))) << stop << " " << bad;
+        }
+}
+
+TEST(UtilBase64, IsBase64AcceptsExactlyTheAlphabetInThePosixLocale)
+{
+    std::setlocale(LC_ALL, "C");
+    const std::string alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (int c = 0; c < 256; ++c)
+        EXPECT_EQ(Util::is_base64(static_cast<unsigned char>(c)), alphabet.find(static_cast<char>(c)) != std::string::npos && c != 0)
+            << c;
+}
+
+TEST(UtilBase64, ByteAboveAsciiThatTheLocaleCallsAlphanumericJoinsAGroupWithValue255)
+{
+    // In ISO-8859-1, 0xE1 is a letter: it passes is_base64 and counts as a
+    // character outside the alphabet (value 255).
+    if (std::setlocale(LC_CTYPE, "de_DE.ISO-8859-1") == nullptr && std::setlocale(LC_CTYPE, "en_US.ISO-8859-1") == nullptr)
+        GTEST_SKIP() << "no ISO-8859-1 locale on this machine";
+    EXPECT_TRUE(Util::is_base64(0xE1));
+    // a=16 ('Q'), b=255: first byte (4*16 | (255>>4)&3) = 67 ('C').
+    EXPECT_EQ(Util::Base64Decode("Q\xE1"), "C");
+    std::setlocale(LC_CTYPE, "C");
+}
+
+TEST(UtilClass, InstancesCanBeMadeAndDestroyed)
+{
+    delete new Util();
+}
+
+// "Žluťoučký kůň" in each code page under test.
+const std::string kUtf8 = "\xC5\xBDlu\xC5\xA5ou\xC4\x8Dk\xC3\xBD k\xC5\xAF\xC5\x88";
+const std::string kLatin2 = "\xAElu\xBBou\xE8k\xFD k\xF9\xF2", kCp1250 = "\x8Elu\x9Dou\xE8k\xFD k\xF9\xF2";
+const std::wstring kWide = L"\u017Dlu\u0165ou\u010Dk\u00FD k\u016F\u0148";
+const char *kUnknown = "NO-SUCH-CODE-PAGE";
+
+TEST(UtilTextEncoding, DecodesWholeTextsOrNothing)
+{
+    const struct { std::string bytes; const char *codePage; std::wstring expected; } cases[] = {
+        {kUtf8, "UTF-8", kWide}, {kLatin2, "ISO-8859-2", kWide}, {kCp1250, "CP1250", kWide}, {"plain", "ASCII", L"plain"},
+        {std::string("A\0B\0", 4), "UTF-16LE", L"AB"}, {std::string("ab\0cd", 5), "UTF-8", L"ab"},
+        {"\xC3\x28", "UTF-8", L""}, {"ab\xC5", "UTF-8", L""}, {"a\x81", "CP1250", L""}, {"a\x80", "ASCII", L""},
+        {"abc", kUnknown, L""}, {"abc", nullptr, L""}, {"", "UTF-8", L""}, {std::string("\0ab", 3), "UTF-8", L""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Util::MultiByte2WideChar(c.bytes, c.codePage), c.expected) << c.bytes << " from " << c.codePage;
+}
+
+TEST(UtilTextEncoding, PointerFormConvertsExactlyAnExplicitLength)
+{
+    EXPECT_EQ(Util::MultiByte2WideChar(nullptr, 3, "UTF-8"), L"");
+    EXPECT_EQ(Util::MultiByte2WideChar("abcdef", 0, "UTF-8"), L"abcdef");
+    EXPECT_EQ(Util::MultiByte2WideChar("abcdef", 3, "UTF-8"), L"abc");
+    EXPECT_EQ(Util::MultiByte2WideChar("\xC5\xBD", 1, "UTF-8"), L"") << "a length that cuts a character";
+    // The byte after the length is never read: the sanitizer build catches it.
+    const char unterminated[3] = {'x', 'y', 'z'};
+    EXPECT_EQ(Util::MultiByte2WideChar(unterminated, 3, "UTF-8"), L"xyz");
+}
+
+TEST(UtilTextEncoding, EncodesRepresentableTextsOrNothing)
+{
+    const struct { std::wstring text; const char *codePage; std::string expected; } cases[] = {
+        {kWide, "UTF-8", kUtf8}, {kWide, "ISO-8859-2", kLatin2}, {kWide, "CP1250", kCp1250}, {L"\u20AC", "CP1250", "\x80"},
+        {L"\u20AC", "ISO-8859-2", ""}, {L"plain\u017D", "ASCII", ""}, {L"\U0001F600", "UTF-8", "\xF0\x9F\x98\x80"},
+        {std::wstring(1, wchar_t(0xD800)), "UTF-8", ""}, {L"A", "UTF-16LE", "A"}, {std::wstring(L"ab\0cd", 5), "UTF-8", "ab"},
+        {L"abc", kUnknown, ""}, {L"abc", nullptr, ""}, {L"", "UTF-8", ""},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(Util::WideChar2String(c.text, c.codePage), c.expected) << c.codePage;
+        EXPECT_EQ(Util::WideChar2String(c.text.c_str(), c.codePage), c.expected) << c.codePage;
+    }
+    EXPECT_EQ(Util::WideChar2String(static_cast<const wchar_t *>(nullptr), "UTF-8"), "");
+}
+
+TEST(UtilTextEncoding, FlagChoosesAsciiOrUtf8)
+{
+    EXPECT_EQ(Util::WideChar2String(L"\u017Dl", false), "\xC5\xBDl");
+    EXPECT_EQ(Util::WideChar2String(std::wstring(L"ascii"), true), "ascii");
+    for (const wchar_t *text : {L"\u017Dab", L"a\u017Db", L"ab\u017D"})
+        EXPECT_EQ(Util::WideChar2String(std::wstring(text), true) + Util::WideChar2String(text, true), "");
+}
+
+TEST(UtilTextEncoding, BridgesCodePagesThroughUtf8)
+{
+    EXPECT_EQ(Util::FromCodepage2UTF8(kLatin2, "ISO-8859-2"), kUtf8);
+    EXPECT_EQ(Util::FromCodepage2UTF8(kCp1250, "CP1250"), kUtf8);
+    EXPECT_EQ(Util::FromUTF82Codepage(kUtf8, "ISO-8859-2"), kLatin2);
+    EXPECT_EQ(Util::FromUTF82Codepage(kUtf8, "CP1250"), kCp1250);
+    for (const char *codePage : {"UTF-8", "ISO-8859-2", "CP1250", "ASCII", kUnknown})
+        EXPECT_EQ(Util::FromUTF82Codepage("\xC3\x28", codePage), "") << codePage;
+    EXPECT_EQ(Util::FromUTF82Codepage("\xE2\x82\xAC", "ISO-8859-2") + Util::FromCodepage2UTF8("a\x81", "CP1250"), "");
+    EXPECT_EQ(Util::FromUTF82Codepage("abc", kUnknown) + Util::FromCodepage2UTF8("abc", kUnknown), "");
+}
+
+TEST(UtilTextEncoding, FourUtf8BytesPerCharacterFitTheOutputArea)
+{
+    std::string emoji;
+    for (int i = 0; i < 25000; ++i)
+        emoji += "\xF0\x9F\x98\x80";
+    EXPECT_EQ(Util::WideChar2String(std::wstring(25000, wchar_t(0x1F600)), false), emoji);
+}
+
+struct Case { std::string input, expected; };
+
+TEST(UtilStrings, ToUpperChangesOnlyAsciiLetters)
+{
+    const Case cases[] = {
+        {"abc-xyz_09", "ABC-XYZ_09"}, {"\xC5\xA1\xC3\xA1`{", "\xC5\xA1\xC3\xA1`{"}, {std::string("a\0b", 3), std::string("A\0B", 3)},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Util::ToUpper(c.input), c.expected) << c.input;
+}
+
+TEST(UtilStrings, UnescapeResolvesEachPairOnce)
+{
+    const Case cases[] = {
+        {"a\\nb", "a\nb"}, {"a\\tb", "a\tb"}, {"a\\\"b", "a\"b"}, {"a\\rb", "ab"}, {"\\\\n", "\\n"}, {"ab\\", "ab\\"},
+        {"\\\\\\", "\\\\"}, {"\\x41\\101", "4101"}, {std::string("\\\0z", 3), "z"}, {"", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Util::Unescape(c.input), c.expected) << c.input;
+}
+
+TEST(UtilStrings, ApostrophiesQuotesWithoutEscaping)
+{
+    EXPECT_EQ(Util::Apostrophies(""), "\"\"");
+    EXPECT_EQ(Util::Apostrophies("say \"hi\" it's"), "\"say \"hi\" it's\"");
+}
+
+TEST(UtilStrings, SplitAppendsNonEmptyWordsAfterEarlierEntries)
+{
+    const struct { std::string text; char delimiter; std::vector<std::string> expected; } cases[] = {
+        {"  ab   cd ", ' ', {"old", "ab", "cd"}}, {"a\tb\nc d", ' ', {"old", "a\tb\nc", "d"}}, {"   ", ' ', {"old"}},
+        {"", ' ', {"old"}}, {std::string("ab cd\0ef", 8), ' ', {"old", "ab", "cd"}}, {";;x;;y z;", ';', {"old", "x", "y z"}},
+    };
+    for (const auto &c : cases) {
+        std::vector<std::string> output = {"old"};
+        Util::SplitString(c.text, c.delimiter, output);
+        EXPECT_EQ(output, c.expected) << c.text;
+    }
+}
+
+TEST(UtilStrings, FolderPathEndsAtTheLastBackslash)
+{
+    const Case cases[] = {
+        {"C:\\dir\\file.txt", "C:\\dir\\"}, {"/usr/local/file", ""}, {"C:\\dir\\", "C:\\dir\\"}, {"a\\b/c", "a\\"}, {"", ""},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(Util::GetFolderPath(c.input.c_str()), c.expected) << c.input;
+    EXPECT_EQ(Util::GetFolderPath(static_cast<const char *>(nullptr)), "");
+
+    std::wstring czech = L"C:\\P\u0159\u00EDli\u0161\\\u017Dlu\u0165ou\u010Dk\u00FD.txt", plain = L"/home/\u017D";
+    std::wstring surrogate = std::wstring(1, wchar_t(0xD800)) + L"\\x"; // no valid Unicode: conversion fails
+    EXPECT_EQ(Util::GetFolderPath(czech.data()), "C:\\P\xC5\x99\xC3\xADli\xC5\xA1\\");
+    EXPECT_EQ(Util::GetFolderPath(plain.data()) + Util::GetFolderPath(surrogate.data()), "");
+    EXPECT_EQ(Util::GetFolderPath(static_cast<wchar_t *>(nullptr)), "");
+}
+
+const std::string kTenBytes("\0\1\2\3\4\5\6\7\10\11", 10);
+
+class UtilFiles : public ::testing::Test {
+protected:
+    std::string path(const std::string &name) const { return dir_ / name; }
+    const OrvelTest::TempFolder dir_;
+};
+
+TEST_F(UtilFiles, SaveWritesTheContentExactlyOrFails)
+{
+    for (const std::string &content : {std::string(), std::string("a\0b\r\n", 5), kTenBytes}) {
+        writeFile(path("f"), "older and longer content");
+        EXPECT_TRUE(Util::SaveToFile(path("f"), content));
+        EXPECT_EQ(readFile(path("f")), content);
+    }
+    for (const std::string &bad : {path("missing/f"), std::string(), dir_.path})
+        EXPECT_FALSE(Util::SaveToFile(bad, "x")) << bad;
+    EXPECT_FALSE(std::filesystem::exists(path("missing")));
+}
+
+TEST_F(UtilFiles, LoadJoinsTheWordsOrEmptiesTheOutput)
+{
+    const struct { std::string content, words; } cases[] = {
+        {"abc def\nghi\n", "abcdefghi"}, {" \t\r\n\v\f", ""}, {"", ""}, {"\xC5\xBD\xC5\xA5 x\r\ny", "\xC5\xBD\xC5\xA5xy"},
+    };
+    for (const auto &c : cases) {
+        writeFile(path("f"), c.content);
+        std::string output = "stale";
+        EXPECT_TRUE(Util::LoadFile(path("f"), output));
+        EXPECT_EQ(output, c.words) << c.content;
+    }
+    for (const std::string &missing : {path("none"), path("none/f"), std::string()}) {
+        std::string output = "stale";
+        EXPECT_FALSE(Util::LoadFile(missing, output));
+        EXPECT_EQ(output, "");
+    }
+}
+
+TEST_F(UtilFiles, ShrinkKeepsTheLastBytes)
+{
+    const struct { unsigned long size; std::string left; } cases[] = {
+        {4, kTenBytes.substr(6)}, {0, ""}, {9, kTenBytes.substr(1)}, {10, kTenBytes}, {11, kTenBytes}, {~0ul, kTenBytes},
+    };
+    for (const auto &c : cases) {
+        writeFile(path("f"), kTenBytes);
+        EXPECT_TRUE(Util::ShrinkBinaryFile(path("f"), c.size)) << c.size;
+        EXPECT_EQ(readFile(path("f")), c.left) << c.size;
+    }
+    writeFile(path("empty"), "");
+    EXPECT_TRUE(Util::ShrinkBinaryFile(path("empty"), 0));
+}
+
+TEST_F(UtilFiles, FailedShrinkTouchesNothing)
+{
+    EXPECT_FALSE(Util::ShrinkBinaryFile("", 1));
+    EXPECT_FALSE(Util::ShrinkBinaryFile(path("none"), 1));
+    EXPECT_FALSE(std::filesystem::exists(path("none")));
+    // A directory may open for reading but never yields bytes.
+    writeFile(path("inside"), kTenBytes);
+    EXPECT_FALSE(Util::ShrinkBinaryFile(dir_.path, 1));
+    EXPECT_EQ(readFile(path("inside")), kTenBytes);
+}
+
+TEST_F(UtilFiles, ShrinkThatCannotRewriteLeavesTheFileWhole)
+{
+    writeFile(path("f"), kTenBytes);
+    std::filesystem::permissions(path("f"), std::filesystem::perms::owner_read);
+    if (access(path("f").c_str(), W_OK) == 0)
+        GTEST_SKIP() << "this user may write a read-only file";
+    EXPECT_FALSE(Util::ShrinkBinaryFile(path("f"), 4));
+    EXPECT_EQ(readFile(path("f")), kTenBytes);
+}
+
+} // namespace
