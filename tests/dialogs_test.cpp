@@ -29,16 +29,6 @@ protected:
         DialogTest::SetUp();
         ORV_SetOrvelSignVersion("2.1");
     }
-    long select(Records &records, unsigned int &selected)
-    {
-        return ORV_SelectCertificate(records.records.data(), records.count(), &selected);
-    }
-    long confirm(Records &records, unsigned int &selected, bool &confirmed, const char *data = "ABC",
-                 const char *rtf = nullptr)
-    {
-        return ORV_ConfirmSignature(records.records.data(), records.count(), &selected, data, rtf, "SHA-256", "0A1B",
-                                    &confirmed);
-    }
     const std::string fake = OrvelTest::FakeGui::bundlePath();
 };
 
@@ -456,8 +446,9 @@ TEST_F(Dialogs, SpoiltRecordsAreRefusedBeforeAnythingStarts)
         bool confirmed = true;
         mutate(records, selected);
         const unsigned int before = selected;
-        EXPECT_EQ(select(records, selected), 1) << what;
-        EXPECT_EQ(confirm(records, selected, confirmed), 1) << what;
+        EXPECT_EQ(ORV_SelectCertificate(records.records.data(), 3, &selected), 1) << what;
+        EXPECT_EQ(ORV_ConfirmSignature(records.records.data(), 3, &selected, "ABC", nullptr, "SHA-256", "0A1B", &confirmed), 1)
+            << what;
         EXPECT_EQ(selected, before);
         EXPECT_TRUE(confirmed);
     }

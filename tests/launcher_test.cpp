@@ -40,12 +40,6 @@ Exchange runLauncher(const std::string &window, std::vector<std::string> argumen
     return exchange;
 }
 
-// The log's entries since `before` was taken.
-std::string entriesSince(const std::string &before)
-{
-    return logText().substr(before.size());
-}
-
 TEST(Launcher, ReadsTheReplyAndTheGuiLog)
 {
     const std::string hello = OrvelTest::base64("hello"), helloEntry = "log z GUI aplikace: hello \n\n";
@@ -78,7 +72,7 @@ TEST(Launcher, ReadsTheReplyAndTheGuiLog)
         EXPECT_EQ(exchange.response, c.response);
         EXPECT_EQ(exchange.log, c.log);
         EXPECT_EQ(exchange.reply, c.response == 0 ? c.reply : std::string());
-        EXPECT_EQ(entriesSince(before), c.entries);
+        EXPECT_EQ(logText().substr(before.size()), c.entries);
     }
 }
 

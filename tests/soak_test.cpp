@@ -70,17 +70,11 @@ protected:
             {"certificate display", replying(replyWithLog("DisplayCert")),
              [this] { return ORV_DisplayCertificate(reinterpret_cast<unsigned char *>(path_), sizeof path_); }, 0},
             {"certificate selection", replying(replyWithLog("CertificateSelect -selectedCert 2")),
-             [this] {
-                 unsigned int selected = 0;
-                 return ORV_SelectCertificate(records_.records.data(), 3, &selected);
-             },
-             0},
+             [this] { return ORV_SelectCertificate(records_.records.data(), 3, &selected_); }, 0},
             {"signature confirmation", replying(replyWithLog("SignatureConfirm -result 1 -selectedCert 0")),
              [this] {
-                 unsigned int selected = 1;
-                 bool confirmed = false;
-                 return ORV_ConfirmSignature(records_.records.data(), 3, &selected, "data", "{\\rtf1}", "SHA-256",
-                                             "0A1B", &confirmed);
+                 return ORV_ConfirmSignature(records_.records.data(), 3, &selected_, "data", "{\\rtf1}", "SHA-256", "0A1B",
+                                             &confirmed_);
              },
              0},
             {"PKCS#12", replying("SelectPKCS12 " + base64("/k.p12") + " " + base64("pw") + " -log x"),
@@ -138,6 +132,8 @@ protected:
     }
 
     OrvelTest::Records records_{3};
+    unsigned int selected_ = 0;
+    bool confirmed_ = false;
     char path_[256] = {};
     char value_[64] = {};
 };

@@ -11,7 +11,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
+#include <cstring>
 #include <set>
 
 namespace {
@@ -101,40 +101,27 @@ TEST(State, LanguageFollowsTheLocaleWhenNotSet)
     EXPECT_EQ(OrvelDialogs::GetLogBuffer(), nullptr);
 }
 
-std::set<std::string> exportedSymbols()
+// The names in a file or a command's output, "address type name" lines of nm
+// cut to the name, '#' lines left out.
+std::set<std::string> names(FILE *lines, size_t skip)
 {
     std::set<std::string> names;
-    const std::string command = std::string("nm -D --defined-only -C '") + ORVEL_LIBRARY_PATH + "'";
-    FILE *pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr)
-        return names;
     char line[4096];
-    while (fgets(line, sizeof line, pipe) != nullptr) {
-        std::string text(line);
-        if (!text.empty() && text.back() == '\n')
-            text.pop_back();
-        // "address type name"
-        if (text.size() > 19)
-            names.insert(text.substr(19));
-    }
-    pclose(pipe);
-    return names;
-}
-
-std::set<std::string> intendedSymbols()
-{
-    std::set<std::string> names;
-    std::ifstream list(std::string(ORVEL_SOURCE_DIR) + "/tests/exported_symbols.txt");
-    for (std::string line; std::getline(list, line);)
-        if (!line.empty() && line[0] != '#')
-            names.insert(line);
+    while (lines != nullptr && fgets(line, sizeof line, lines) != nullptr)
+        if (const std::string text = std::string(line).substr(0, std::strcspn(line, "\n")); text.size() > skip && text[0] != '#')
+            names.insert(text.substr(skip));
     return names;
 }
 
 TEST(ExportedSymbols, AreExactlyTheIntendedInterface)
 {
-    const auto exported = exportedSymbols();
-    const auto intended = intendedSymbols();
+    FILE *nm = popen(("nm -D --defined-only -C '" + std::string(ORVEL_LIBRARY_PATH) + "'").c_str(), "r");
+    const std::set<std::string> exported = names(nm, 19);
+    pclose(nm);
+    FILE *list = fopen(ORVEL_SOURCE_DIR "/tests/exported_symbols.txt", "r");
+    ASSERT_NE(list, nullptr);
+    const std::set<std::string> intended = names(list, 0);
+    fclose(list);
     ASSERT_FALSE(exported.empty());
     for (const auto &name : exported)
         EXPECT_TRUE(intended.count(name)) << "exported but not intended: " << name;

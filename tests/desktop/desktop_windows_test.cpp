@@ -26,10 +26,9 @@ namespace {
 
 // A key script: plain keys, or text typed into whatever has the focus.
 struct Key {
-    Key(Qt::Key k = Qt::Key_unknown, Qt::KeyboardModifiers m = Qt::NoModifier) : key(k), modifiers(m) {}
+    Key(Qt::Key k = Qt::Key_unknown) : key(k) {}
     Qt::Key key;
     QString text;
-    Qt::KeyboardModifiers modifiers;
 };
 using Keys = QList<Key>;
 Key type(const QString &text)
@@ -51,7 +50,7 @@ Outcome answerWith(const Keys &keys, const std::function<Outcome()> &show)
             if (!key.text.isEmpty())
                 QTest::keyClicks(target, key.text);
             else
-                QTest::keyClick(target, key.key, key.modifiers);
+                QTest::keyClick(target, key.key);
         }
     });
     return show();
