@@ -106,16 +106,12 @@ public:
             ::execv(arguments[0], arguments.data());
             ::_exit(127);
         }
-        if (!session.terminal) {
-            screenFd_ = screenPipe[0];
-            ::close(screenPipe[1]);
-        }
-        if (pipeStdin) {
-            stdinFd_ = inPipe[1];
-            ::close(inPipe[0]);
-        }
+        for (const int childEnd : {inPipe[0], outPipe[1], screenPipe[1]})
+            if (childEnd >= 0)
+                ::close(childEnd);
+        stdinFd_ = inPipe[1];
         stdoutFd_ = outPipe[0];
-        ::close(outPipe[1]);
+        screenFd_ = session.terminal ? screenFd_ : screenPipe[0];
     }
     ~DrivenProcess()
     {

@@ -1,20 +1,12 @@
-// A GUI application stand-in for the tests, scripted through environment
-// variables (the library's child inherits the test's environment):
-//
-//   FAKEGUI_RECORD_DIR    write argv (NUL-separated), the open descriptors,
-//                         the signal mask and ignored signals, and what was
-//                         read from stdin into files in this directory
-//   FAKEGUI_GATE_FILE     first wait until this file exists
-//   FAKEGUI_READ_STDIN    1: read stdin to its end before replying
-//   FAKEGUI_REPLY_FILE    write this file's bytes as the reply
-//   FAKEGUI_REPLY         or write this text as the reply
-//   FAKEGUI_FILL_BYTES    then write this many FAKEGUI_FILL_CHAR bytes ('Q')
-//   FAKEGUI_REPLY_SUFFIX  then write this text
-//   FAKEGUI_CLOSE_STDOUT  1: close stdout after the reply
-//   FAKEGUI_GRANDCHILD_MS leave a grandchild holding stdout for this long
-//   FAKEGUI_SLEEP_MS      sleep this long before exiting
-//   FAKEGUI_SIGNAL        die by this signal
-//   FAKEGUI_EXIT          exit with this status (default 0)
+// A GUI application stand-in for the tests, scripted through the FAKEGUI_*
+// environment variables that support/FakeGui.hpp sets (the library's child
+// inherits the test's environment). In this order it records its arguments,
+// open descriptors and signal state in FAKEGUI_RECORD_DIR, waits for
+// FAKEGUI_GATE_FILE, reads and records its input (FAKEGUI_READ_STDIN), writes
+// its reply (the file FAKEGUI_REPLY_FILE or the text FAKEGUI_REPLY, then
+// FAKEGUI_FILL_BYTES of FAKEGUI_FILL_CHAR, then FAKEGUI_REPLY_SUFFIX), leaves a
+// grandchild holding its stdout, closes stdout, sleeps, and dies by
+// FAKEGUI_SIGNAL or exits with FAKEGUI_EXIT.
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>

@@ -54,11 +54,7 @@ bool childrenHaveExited();
 #if defined(__SANITIZE_ADDRESS__)
 inline constexpr bool kAddressSanitizer = true;
 #elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-inline constexpr bool kAddressSanitizer = true;
-#else
-inline constexpr bool kAddressSanitizer = false;
-#endif
+inline constexpr bool kAddressSanitizer = __has_feature(address_sanitizer);
 #else
 inline constexpr bool kAddressSanitizer = false;
 #endif
