@@ -125,71 +125,58 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
         std::strcpy(b, name);
         return ORV_SelectPKCS12(b, 64, v, 64);
     };
-    // The certificate list ("*") is read back: the records in their order.
     Records records(2);
     unsigned int selected = 1;
-    const auto sign = [&](const char *data, const char *rtf) {
+    const auto signing = [&](const char *data, const char *rtf) {
         bool confirmed = false;
         return ORV_ConfirmSignature(records.records.data(), 2, &selected, data, rtf, "SHA-256", "0A1B", &confirmed);
-    };
-    const auto confirming = [](const Args &rest) {
-        Args arguments = {"-window", "SignatureConfirm", "-lang", "1", "-version", "2.1", "-data"};
-        arguments.insert(arguments.end(), rest.begin(), rest.end());
-        return arguments;
     };
     unsigned char bytes[1000];
     for (size_t i = 0; i < sizeof bytes; ++i)
         bytes[i] = static_cast<unsigned char>(i * 7);
     const auto sent = [&](size_t length) { return base64(std::string(reinterpret_cast<char *>(bytes), length)); };
-    const std::pair<std::function<long()>, Args> cases[] = {
-        {[] { return ORV_MessageBox("Hello", "World", 2); },
-         {"-window", "MessageBox", "-message", "Hello", "-info", "World", "-icon", "2"}},
-        {[] { return ORV_MessageBox("Hello", nullptr, 0); }, {"-window", "MessageBox", "-message", "Hello", "-icon", "0"}},
-        {[] { return ORV_MessageBox("", "", 1); }, {"-window", "MessageBox", "-message", "", "-icon", "1"}},
+    // Each list with "|" between the arguments.
+    const std::string sign = "-window|SignatureConfirm|-lang|1|-version|2.1|-data|";
+    const std::pair<std::function<long()>, std::string> cases[] = {
+        {[] { return ORV_MessageBox("Hello", "World", 2); }, "-window|MessageBox|-message|Hello|-info|World|-icon|2"},
+        {[] { return ORV_MessageBox("Hello", nullptr, 0); }, "-window|MessageBox|-message|Hello|-icon|0"},
+        {[] { return ORV_MessageBox("", "", 1); }, "-window|MessageBox|-message||-icon|1"},
         // Info that is not UTF-8 counts as empty.
-        {[] { return ORV_MessageBox("Příliš", "\xC3\x28", 1); },
-         {"-window", "MessageBox", "-message", "Příliš", "-icon", "1"}},
-        {[&] { return ORV_YesNoDialog("Q", nullptr, 0, &answer); },
-         {"-window", "YesNoDialog", "-lang", "1", "-message", "Q", "-button", "0"}},
-        {[&] { return ORV_YesNoDialog("Q", "", 1, &answer); },
-         {"-window", "YesNoDialog", "-lang", "1", "-message", "Q", "-button", "1"}},
-        {[&] { return ORV_YesNoDialog("Q", "I", 1, &answer); },
-         {"-window", "YesNoDialog", "-lang", "1", "-message", "Q", "-info", "I", "-button", "1"}},
+        {[] { return ORV_MessageBox("Příliš", "\xC3\x28", 1); }, "-window|MessageBox|-message|Příliš|-icon|1"},
+        {[&] { return ORV_YesNoDialog("Q", nullptr, 0, &answer); }, "-window|YesNoDialog|-lang|1|-message|Q|-button|0"},
+        {[&] { return ORV_YesNoDialog("Q", "", 1, &answer); }, "-window|YesNoDialog|-lang|1|-message|Q|-button|1"},
+        {[&] { return ORV_YesNoDialog("Q", "I", 1, &answer); }, "-window|YesNoDialog|-lang|1|-message|Q|-info|I|-button|1"},
         {[=] { return ORV_FileOpenDialog("Open it", "ignored.txt", b, 64, "Docs (pdf)"); },
-         {"-window", "FileOpen", "-lang", "1", "-message", "Open it", "-fileFilter", "Docs (pdf)"}},
+         "-window|FileOpen|-lang|1|-message|Open it|-fileFilter|Docs (pdf)"},
         {[=] { return ORV_FileOpenDialog("Open it", nullptr, b, 64, nullptr); },
-         {"-window", "FileOpen", "-lang", "1", "-message", "Open it", "-fileFilter", ""}},
+         "-window|FileOpen|-lang|1|-message|Open it|-fileFilter|"},
         {[=] { return ORV_FileSaveDialog("Save", nullptr, b, 64, nullptr); },
-         {"-window", "FileSave", "-lang", "1", "-message", "Save", "-fileFilter", "", "-filename", ""}},
+         "-window|FileSave|-lang|1|-message|Save|-fileFilter||-filename|"},
         {[=] { return ORV_FileSaveDialog("Save", "out.pdf", b, 64, "All (*)"); },
-         {"-window", "FileSave", "-lang", "1", "-message", "Save", "-fileFilter", "All (*)", "-filename", "out.pdf"}},
-        {[&] { return pkcs12("cert.p12"); }, {"-window", "SelectPKCS12", "-lang", "1", "-filename", "cert.p12"}},
-        {[&] { return pkcs12(""); }, {"-window", "SelectPKCS12", "-lang", "1", "-filename", ""}},
+         "-window|FileSave|-lang|1|-message|Save|-fileFilter|All (*)|-filename|out.pdf"},
+        {[&] { return pkcs12("cert.p12"); }, "-window|SelectPKCS12|-lang|1|-filename|cert.p12"},
+        {[&] { return pkcs12(""); }, "-window|SelectPKCS12|-lang|1|-filename|"},
         // A name filling the buffer with no zero is read within the buffer only.
-        {[&] { return ORV_SelectPKCS12(full.bytes.get(), full.size, v, 64); },
-         {"-window", "SelectPKCS12", "-lang", "1", "-filename", "xxxx"}},
+        {[&] { return ORV_SelectPKCS12(full.bytes.get(), full.size, v, 64); }, "-window|SelectPKCS12|-lang|1|-filename|xxxx"},
         // Exactly `length` bytes, as Base64.
-        {[&] { return ORV_DisplayCertificate(bytes, 1); }, {"-window", "DisplayCert", "-cert", sent(1)}},
-        {[&] { return ORV_DisplayCertificate(bytes, 3); }, {"-window", "DisplayCert", "-cert", sent(3)}},
-        {[&] { return ORV_DisplayCertificate(bytes, 1000); }, {"-window", "DisplayCert", "-cert", sent(1000)}},
+        {[&] { return ORV_DisplayCertificate(bytes, 1); }, "-window|DisplayCert|-cert|" + sent(1)},
+        {[&] { return ORV_DisplayCertificate(bytes, 3); }, "-window|DisplayCert|-cert|" + sent(3)},
+        {[&] { return ORV_DisplayCertificate(bytes, 1000); }, "-window|DisplayCert|-cert|" + sent(1000)},
         {[] { return ORV_ReinsertCardShow("Vyjměte kartu") + ORV_ReinsertCardClose(); },
-         {"-window", "ReinsertCard", "-lang", "1", "-message", "Vyjměte kartu"}},
+         "-window|ReinsertCard|-lang|1|-message|Vyjměte kartu"},
+        // The certificate list ("*") is read back: the records in their order.
         {[&] { return ORV_SelectCertificate(records.records.data(), 2, &selected); },
-         {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "1", "-certs", "*"}},
-        {[&] { return sign("ABC", nullptr); }, confirming({"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert",
-                                                         "1", "-certs", "*"})},
-        {[&] { return sign("ABC", "XY"); }, confirming({"QUJD", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "1",
-                                                      "-rtf", "WFk=", "-certs", "*"})},
-        {[&] { return sign("", nullptr); }, confirming({"", "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "1",
-                                                      "-certs", "*"})},
+         "-window|CertificateSelect|-lang|1|-selectedCert|1|-certs|*"},
+        {[&] { return signing("ABC", nullptr); }, sign + "QUJD|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-certs|*"},
+        {[&] { return signing("ABC", "XY"); }, sign + "QUJD|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-rtf|WFk=|-certs|*"},
+        {[&] { return signing("", nullptr); }, sign + "|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-certs|*"},
         // Data that is not UTF-8 is sent as the empty value.
-        {[&] { return sign("\xFF\xFE", "\xC3\x28"); }, confirming({"", "-hashAlg", "SHA-256", "-hashVal", "0A1B",
-                                                                 "-selectedCert", "1", "-rtf", "", "-certs", "*"})},
+        {[&] { return signing("\xFF\xFE", "\xC3\x28"); }, sign + "|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-rtf||-certs|*"},
     };
     for (const auto &[call, expected] : cases) {
         call();
         Args arguments = gui.arguments();
-        if (expected.back() == "*" && !arguments.empty()) {
+        if (expected.back() == '*' && !arguments.empty()) {
             std::vector<Certificate> decoded;
             ASSERT_EQ(Certificate::decodeCertificateArrayFromPropertyList(arguments.back(), decoded), 0);
             ASSERT_EQ(decoded.size(), 2u);
@@ -198,7 +185,10 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
                             decoded[i].validDaysRemaning() == 30 - static_cast<int>(i) && decoded[i].forceRenew() == (i == 1));
             arguments.back() = "*";
         }
-        EXPECT_EQ(arguments, expected);
+        std::string list;
+        for (const std::string &argument : arguments)
+            list += (list.empty() ? "" : "|") + argument;
+        EXPECT_EQ(list, expected);
     }
 }
 

@@ -193,31 +193,33 @@ TEST(UtilTextEncoding, FourUtf8BytesPerCharacterFitTheOutputArea)
     EXPECT_EQ(Util::WideChar2String(std::wstring(25000, wchar_t(0x1F600)), false), emoji);
 }
 
-struct Case { std::string input, expected; };
-
-TEST(UtilStrings, ToUpperChangesOnlyAsciiLetters)
+// ToUpper changes only ASCII letters; Unescape resolves each pair once;
+// Apostrophies quotes without escaping; a folder path ends at the last
+// backslash.
+TEST(UtilStrings, TextsInTextsOut)
 {
-    const Case cases[] = {
-        {"abc-xyz_09", "ABC-XYZ_09"}, {"\xC5\xA1\xC3\xA1`{", "\xC5\xA1\xC3\xA1`{"}, {std::string("a\0b", 3), std::string("A\0B", 3)},
+    using Function = std::string (*)(const std::string &);
+    const Function upper = [](const std::string &t) { return Util::ToUpper(t); };
+    const Function unescape = [](const std::string &t) { return Util::Unescape(t); };
+    const Function quote = [](const std::string &t) { return Util::Apostrophies(t); };
+    const Function folder = [](const std::string &t) { return Util::GetFolderPath(t.c_str()); };
+    const std::tuple<Function, std::string, std::string> cases[] = {
+        {upper, "abc-xyz_09", "ABC-XYZ_09"}, {upper, "\xC5\xA1\xC3\xA1`{", "\xC5\xA1\xC3\xA1`{"},
+        {upper, std::string("a\0b", 3), std::string("A\0B", 3)}, {unescape, "a\\nb", "a\nb"}, {unescape, "a\\tb", "a\tb"},
+        {unescape, "a\\\"b", "a\"b"}, {unescape, "a\\rb", "ab"}, {unescape, "\\\\n", "\\n"}, {unescape, "ab\\", "ab\\"},
+        {unescape, "\\\\\\", "\\\\"}, {unescape, "\\x41\\101", "4101"}, {unescape, std::string("\\\0z", 3), "z"},
+        {unescape, "", ""}, {quote, "", "\"\""}, {quote, "say \"hi\" it's", "\"say \"hi\" it's\""},
+        {folder, "C:\\dir\\file.txt", "C:\\dir\\"}, {folder, "/usr/local/file", ""}, {folder, "C:\\dir\\", "C:\\dir\\"},
+        {folder, "a\\b/c", "a\\"}, {folder, "", ""},
     };
-    for (const auto &c : cases)
-        EXPECT_EQ(Util::ToUpper(c.input), c.expected) << c.input;
-}
-
-TEST(UtilStrings, UnescapeResolvesEachPairOnce)
-{
-    const Case cases[] = {
-        {"a\\nb", "a\nb"}, {"a\\tb", "a\tb"}, {"a\\\"b", "a\"b"}, {"a\\rb", "ab"}, {"\\\\n", "\\n"}, {"ab\\", "ab\\"},
-        {"\\\\\\", "\\\\"}, {"\\x41\\101", "4101"}, {std::string("\\\0z", 3), "z"}, {"", ""},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(Util::Unescape(c.input), c.expected) << c.input;
-}
-
-TEST(UtilStrings, ApostrophiesQuotesWithoutEscaping)
-{
-    EXPECT_EQ(Util::Apostrophies(""), "\"\"");
-    EXPECT_EQ(Util::Apostrophies("say \"hi\" it's"), "\"say \"hi\" it's\"");
+    for (const auto &[function, input, expected] : cases)
+        EXPECT_EQ(function(input), expected) << input;
+    EXPECT_EQ(Util::GetFolderPath(static_cast<const char *>(nullptr)), "");
+    std::wstring czech = L"C:\\P\u0159\u00EDli\u0161\\\u017Dlu\u0165ou\u010Dk\u00FD.txt", plain = L"/home/\u017D";
+    std::wstring surrogate = std::wstring(1, wchar_t(0xD800)) + L"\\x"; // no valid Unicode: conversion fails
+    EXPECT_EQ(Util::GetFolderPath(czech.data()), "C:\\P\xC5\x99\xC3\xADli\xC5\xA1\\");
+    EXPECT_EQ(Util::GetFolderPath(plain.data()) + Util::GetFolderPath(surrogate.data()), "");
+    EXPECT_EQ(Util::GetFolderPath(static_cast<wchar_t *>(nullptr)), "");
 }
 
 TEST(UtilStrings, SplitAppendsNonEmptyWordsAfterEarlierEntries)
@@ -231,22 +233,6 @@ TEST(UtilStrings, SplitAppendsNonEmptyWordsAfterEarlierEntries)
         Util::SplitString(c.text, c.delimiter, output);
         EXPECT_EQ(output, c.expected) << c.text;
     }
-}
-
-TEST(UtilStrings, FolderPathEndsAtTheLastBackslash)
-{
-    const Case cases[] = {
-        {"C:\\dir\\file.txt", "C:\\dir\\"}, {"/usr/local/file", ""}, {"C:\\dir\\", "C:\\dir\\"}, {"a\\b/c", "a\\"}, {"", ""},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(Util::GetFolderPath(c.input.c_str()), c.expected) << c.input;
-    EXPECT_EQ(Util::GetFolderPath(static_cast<const char *>(nullptr)), "");
-
-    std::wstring czech = L"C:\\P\u0159\u00EDli\u0161\\\u017Dlu\u0165ou\u010Dk\u00FD.txt", plain = L"/home/\u017D";
-    std::wstring surrogate = std::wstring(1, wchar_t(0xD800)) + L"\\x"; // no valid Unicode: conversion fails
-    EXPECT_EQ(Util::GetFolderPath(czech.data()), "C:\\P\xC5\x99\xC3\xADli\xC5\xA1\\");
-    EXPECT_EQ(Util::GetFolderPath(plain.data()) + Util::GetFolderPath(surrogate.data()), "");
-    EXPECT_EQ(Util::GetFolderPath(static_cast<wchar_t *>(nullptr)), "");
 }
 
 const std::string kTenBytes("\0\1\2\3\4\5\6\7\10\11", 10);
