@@ -81,7 +81,6 @@ TEST_F(Dialogs, RefusedCallsStartNothingAndLogNothing)
         {"notice: null message", fake.c_str(), [] { return ORV_ReinsertCardShow(nullptr); }, 1},
         // Switch and close need a notice.
         {"switch: no notice", fake.c_str(), [] { return ORV_ReinsertCardSwitchText(1); }, 3},
-        {"switch to 7: no notice", fake.c_str(), [] { return ORV_ReinsertCardSwitchText(7); }, 3},
         {"close: no notice", fake.c_str(), [] { return ORV_ReinsertCardClose(); }, 3},
     };
     for (const auto &c : cases) {
@@ -222,13 +221,7 @@ TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
         {"yes/no: message", [&] { return ORV_YesNoDialog("\xC3\x28", nullptr, 0, &answer); }, exception,
          "argument list"},
         {"box: a directory that is no bundle",
-         [this] {
-             ORV_SetAppPath("/tmp");
-             const long result = ORV_MessageBox("m", nullptr, 0);
-             ORV_SetAppPath(fake.c_str());
-             return result;
-         },
-         exception},
+         [this] { return withAppPath("/tmp", [] { return ORV_MessageBox("m", nullptr, 0); }); }, exception},
         {"open: null message", [=] { return ORV_FileOpenDialog(nullptr, nullptr, b, 8, nullptr); }, exception},
         {"save: file name", [=] { return ORV_FileSaveDialog("m", "\xFF", b, 8, nullptr); }, exception},
         {"open: filter", [=] { return ORV_FileOpenDialog("m", nullptr, b, 8, "\xC3\x28"); }, exception},
@@ -480,7 +473,7 @@ TEST_F(Dialogs, ANoticeLauncherThatCannotTakeCommandsGivesSevenAndTheHostLives)
     signal(SIGPIPE, SIG_DFL);
     struct Step {
         const char *what;
-        void (*prepare)();
+        std::function<void()> prepare;
     };
     const Step steps[] = {
         {"the notice was closed", [] {
@@ -488,11 +481,8 @@ TEST_F(Dialogs, ANoticeLauncherThatCannotTakeCommandsGivesSevenAndTheHostLives)
              ASSERT_EQ(ORV_ReinsertCardClose(), 0);
          }},
         {"a modal dialog took the slot", [] { ASSERT_EQ(ORV_MessageBox("m", nullptr, 0), 0); }},
-        {"the launch failed", [] {
-             ORV_SetAppPath("/nonexistent.app");
-             ASSERT_EQ(ORV_ReinsertCardShow("m"), 7);
-             ORV_SetAppPath(OrvelTest::FakeGui::bundlePath().c_str());
-         }},
+        {"the launch failed",
+         [this] { ASSERT_EQ(withAppPath("/nonexistent.app", [] { return ORV_ReinsertCardShow("m"); }), 7); }},
     };
     gui.reply(replyWithLog("MessageBox"));
     for (const auto &step : steps) {

@@ -107,7 +107,9 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
     std::string deep;
     for (int i = 0; i < 40; ++i)
         deep += "<array>";
-    const auto noScript = [](FakeGui &) {};
+    const auto none = [](FakeGui &) {};
+    const std::string noBundle = "no application bundle with an executable", tooDeep = "nested deeper than 32 levels";
+    const std::string unknown = "Unknown error code number occured:", helloEntry = "log z GUI aplikace: hello \n";
     const struct {
         const char *what;
         std::string bundle;
@@ -117,40 +119,31 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         bool answer = false;
         unsigned long long limit = 256u << 20; // of the output and so of the log
     } cases[] = {
-        {"missing", scratch / "Missing.app", noScript, 7, "no application bundle with an executable"},
-        {"not executable", bundleWith("Locked.app", "Locked", "#!/bin/sh\nexit 0\n"), noScript, 7, "Permission denied"},
-        {"a plain file, not a bundle", OrvelTest::writeFile(scratch / "plain.app", "#!/bin/sh\n", 0755), noScript, 7,
-         "no application bundle with an executable"},
-        {"a folder without an executable", bundleWith("Empty.app", "notes.txt", ""), noScript, 7,
-         "no application bundle with an executable"},
+        {"missing", scratch / "Missing.app", none, 7, noBundle},
+        {"not executable", bundleWith("Locked.app", "Locked", "#!/bin/sh\nexit 0\n"), none, 7, "Permission denied"},
+        {"a plain file, not a bundle", OrvelTest::writeFile(scratch / "plain.app", "#!/bin/sh\n", 0755), none, 7, noBundle},
+        {"a folder without an executable", bundleWith("Empty.app", "notes.txt", ""), none, 7, noBundle},
         // Refused unread: larger than 1 MiB, or nested deeper than 32 levels.
-        {"a huge Info.plist", bundleWith("Huge.app", "Info.plist", "<plist>" + std::string(1u << 20, ' ')), noScript, 7,
+        {"a huge Info.plist", bundleWith("Huge.app", "Info.plist", "<plist>" + std::string(1u << 20, ' ')), none, 7,
          "Info.plist is refused: larger than 1048576 bytes"},
-        {"a deep Info.plist", bundleWith("Deep.app", "Info.plist", deep), noScript, 7,
-         "Info.plist is refused: nested deeper than 32 levels"},
+        {"a deep Info.plist", bundleWith("Deep.app", "Info.plist", deep), none, 7, tooDeep},
         {"a deep binary Info.plist",
-         bundleWith("Binary.app", "Info.plist",
-                    OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
-         noScript, 7, "Info.plist is refused: nested deeper than 32 levels"},
-        {"dies by a signal", fake, [&](FakeGui &g) { g.reply(hello).dieBySignal(SIGKILL); }, 7,
-         "Unknown error code number occured:137\n"},
-        {"exits with 9", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(9); }, 7,
-         "Unknown error code number occured:9\n"},
-        {"exits with 255", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(255); }, 7,
-         "Unknown error code number occured:255\n"},
-        {"writes invalid UTF-8", fake,
-         [](FakeGui &g) { g.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
+         bundleWith("Binary.app", "Info.plist", OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
+         none, 7, tooDeep},
+        {"dies by a signal", fake, [&](FakeGui &g) { g.reply(hello).dieBySignal(SIGKILL); }, 7, unknown + "137\n"},
+        {"exits with 9", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(9); }, 7, unknown + "9\n"},
+        {"exits with 255", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(255); }, 7, unknown + "255\n"},
+        {"writes invalid UTF-8", fake, [](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes \xC3\x28")); }, 7,
          "Chybná odpověď od YesNoDialog okna.\n"},
         {"writes past the 256 MiB output limit", fake, [&](FakeGui &g) { g.reply(hello + " ").fill(256u << 20); }, 7,
          "output limit of 268435456 bytes"},
         // The end of its output is not its exit: the status still counts.
         {"closes its stdout early and runs on", fake,
-         [&](FakeGui &g) { g.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
-         "log z GUI aplikace: hello \n"},
+         [&](FakeGui &g) { g.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3, helloEntry},
         {"leaves a grandchild holding its stdout", fake,
-         [&](FakeGui &g) { g.reply(hello).grandchildHoldingStdout(30000); }, 0, "log z GUI aplikace: hello \n", true},
+         [&](FakeGui &g) { g.reply(hello).grandchildHoldingStdout(30000); }, 0, helloEntry, true},
         {"writes up to the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4000 - hello.size(), ' '); }, 0,
-         "log z GUI aplikace: hello \n", true, 4000},
+         helloEntry, true, 4000},
         {"writes one byte past the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4001 - hello.size(), ' '); }, 7,
          "output limit of 4000 bytes", false, 4000},
         // The child that goes on writing is killed, not waited for.
@@ -165,11 +158,10 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
         c.script(gui.clear());
-        ORV_SetAppPath(c.bundle.c_str());
         ASSERT_EQ(ORV_SetOutputLimit(c.limit), 0);
         bool answer = false;
         const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
+        EXPECT_EQ(withAppPath(c.bundle, [&] { return ORV_YesNoDialog("m", nullptr, 0, &answer); }), c.result);
         // Bounded, not a speed target: the dialog did not wait for the
         // grandchild's 30 s.
         EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
@@ -177,7 +169,6 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
         const std::string log = newLog();
         EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
         EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
-        ORV_SetAppPath(fake.c_str());
         expectHostGoesOn(c.what);
     }
 }

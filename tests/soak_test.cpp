@@ -86,14 +86,7 @@ protected:
             {"no reply", [](FakeGui &) {}, yesNo, 7},
             {"no log section", replying("YesNoDialog yes"), yesNo, 0},
             {"reply ends in -log", replying("YesNoDialog yes -log"), yesNo, 7},
-            {"missing bundle", [](FakeGui &) {},
-             [this, yesNo] {
-                 ORV_SetAppPath((scratch / "Missing.app").c_str());
-                 const long result = yesNo();
-                 ORV_SetAppPath(FakeGui::bundlePath().c_str());
-                 return result;
-             },
-             7},
+            {"missing bundle", [](FakeGui &) {}, [this, yesNo] { return withAppPath(scratch / "Missing.app", yesNo); }, 7},
             {"reinsert card", [](FakeGui &g) { g.readStdin().exitStatus(1); },
              [] {
                  const long result = ORV_ReinsertCardShow("m") + ORV_ReinsertCardSwitchText(0);

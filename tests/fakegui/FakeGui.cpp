@@ -69,18 +69,6 @@ std::string signalState()
     return state;
 }
 
-std::string readToEnd(int fd)
-{
-    std::string bytes;
-    char buffer[65536];
-    for (ssize_t n; (n = ::read(fd, buffer, sizeof buffer)) != 0;)
-        if (n > 0)
-            bytes.append(buffer, static_cast<size_t>(n));
-        else if (errno != EINTR)
-            break;
-    return bytes;
-}
-
 void sleepMilliseconds(long ms)
 {
     if (ms > 0)
@@ -107,7 +95,7 @@ int main(int argc, char **argv)
     while (!gate.empty() && access(gate.c_str(), F_OK) != 0)
         sleepMilliseconds(2);
     if (env("FAKEGUI_READ_STDIN") == "1")
-        record("stdin", readToEnd(STDIN_FILENO));
+        record("stdin", readFile("/dev/stdin"));
 
     const std::string replyFile = env("FAKEGUI_REPLY_FILE");
     writeAll(STDOUT_FILENO, replyFile.empty() ? env("FAKEGUI_REPLY") : readFile(replyFile));

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace OrvelTest {
 
 class DialogTest : public ::testing::Test {
@@ -28,6 +30,15 @@ protected:
         return added;
     }
 
+    // `call` with the library pointed at `path`, then at the fake again.
+    long withAppPath(const std::string &path, const std::function<long()> &call)
+    {
+        ORV_SetAppPath(path.c_str());
+        const long result = call();
+        ORV_SetAppPath(FakeGui::bundlePath().c_str());
+        return result;
+    }
+
     FakeGui gui;
     TempFolder scratch;
 
@@ -44,15 +55,14 @@ inline bool isExceptionEntry(const std::string &log)
 // Host-owned certificate records with their own storage: "DER<i>", signed by
 // "CN=Signer <i>", 30 - i days left, the second one to be renewed.
 struct Records {
-    explicit Records(unsigned int count)
+    explicit Records(unsigned int count) : data(count), subjects(count)
     {
         for (unsigned int i = 0; i < count; ++i) {
-            data.push_back("DER" + std::to_string(i));
-            subjects.push_back("CN=Signer " + std::to_string(i));
-        }
-        for (unsigned int i = 0; i < count; ++i)
+            data[i] = "DER" + std::to_string(i);
+            subjects[i] = "CN=Signer " + std::to_string(i);
             records.push_back({data[i].data(), static_cast<unsigned int>(data[i].size()), subjects[i].data(),
                                notAfter.data(), deadline.data(), 30 - static_cast<int>(i), i == 1, false});
+        }
     }
     unsigned int count() const { return static_cast<unsigned int>(records.size()); }
     std::vector<std::string> data, subjects;
