@@ -274,10 +274,8 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
         return std::to_string(result) + " " + answers;
     };
     const auto message = [] { return std::to_string(ORV_MessageBox("m", nullptr, 0)); };
-    const auto display = [] {
-        unsigned char byte = 0;
-        return std::to_string(ORV_DisplayCertificate(&byte, 1));
-    };
+    unsigned char byte = 0;
+    const auto display = [&] { return std::to_string(ORV_DisplayCertificate(&byte, 1)); };
     Records three(3), two(2);
     const auto select = [&] {
         unsigned int selected = 1;

@@ -30,11 +30,6 @@ using OrvelTest::kAddressSanitizer;
 const std::string kLostStatusEntry =
     "Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.";
 
-std::string droppedCommandsEntry(size_t bytes)
-{
-    return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
-}
-
 // Ends the test process instead of letting a call that blocks hang the run.
 class Watchdog {
 public:
@@ -183,7 +178,8 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
     // for it and drops what it never read.
     const std::string sent = noticeAfterSwitches(
         [](FakeGui &g) { g.reply("ReinsertCard").sleepMs(200).exitStatus(4); }, (1u << 20) / 19 + 1, 4);
-    EXPECT_EQ(newLog(), droppedCommandsEntry(sent.size() + 18) + "\n");
+    EXPECT_EQ(newLog(),
+              "GUI aplikace skončila a nepřečetla " + std::to_string(sent.size() + 18) + " bajtů příkazů; zahazují se.\n");
     expectHostGoesOn("after the notice");
 }
 

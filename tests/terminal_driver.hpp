@@ -1,9 +1,8 @@
 // Runs a program the way a user at a terminal would: in a new session whose
-// controlling terminal is a pseudo-terminal that the test holds the other end
-// of. The test sends keys, reads what was drawn, and takes the exit status.
+// controlling terminal is a pseudo-terminal the test holds the other end of.
 // Every wait has a time limit; a process still running at the end is killed
-// together with its process group. A whole session is one row of a table: the
-// arguments, then the steps a user takes and what each must show.
+// with its process group. A session is one row of a table: the arguments, then
+// the steps a user takes and what each must show.
 #pragma once
 
 #include <OrvelGUIDialogs/Util.hpp>

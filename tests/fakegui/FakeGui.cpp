@@ -13,11 +13,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <thread>
 
 namespace {
 
@@ -69,12 +71,6 @@ std::string signalState()
     return state;
 }
 
-void sleepMilliseconds(long ms)
-{
-    if (ms > 0)
-        usleep(static_cast<useconds_t>(ms) * 1000);
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -93,7 +89,7 @@ int main(int argc, char **argv)
 
     const std::string gate = env("FAKEGUI_GATE_FILE");
     while (!gate.empty() && access(gate.c_str(), F_OK) != 0)
-        sleepMilliseconds(2);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     if (env("FAKEGUI_READ_STDIN") == "1")
         record("stdin", readFile("/dev/stdin"));
 
@@ -108,14 +104,13 @@ int main(int argc, char **argv)
     const long grandchildMs = envNumber("FAKEGUI_GRANDCHILD_MS");
     if (grandchildMs > 0 && fork() == 0) {
         // Only stdout stays held: a test runner waits for stderr to close.
-        const int null = open("/dev/null", O_WRONLY);
-        dup2(null, STDERR_FILENO);
-        sleepMilliseconds(grandchildMs);
+        dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
+        std::this_thread::sleep_for(std::chrono::milliseconds(grandchildMs));
         _exit(0);
     }
     if (env("FAKEGUI_CLOSE_STDOUT") == "1")
         close(STDOUT_FILENO);
-    sleepMilliseconds(envNumber("FAKEGUI_SLEEP_MS"));
+    std::this_thread::sleep_for(std::chrono::milliseconds(envNumber("FAKEGUI_SLEEP_MS")));
 
     if (const int signalNumber = static_cast<int>(envNumber("FAKEGUI_SIGNAL")); signalNumber > 0) {
         signal(signalNumber, SIG_DFL);

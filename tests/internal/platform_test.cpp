@@ -45,10 +45,7 @@ TEST(HostText, AcceptsOnlyStrictUtf8)
 class Bundles : public testing::Test {
 protected:
     std::string path(const std::string &relative) const { return root_ / relative; }
-    void writeFile(const std::string &relative, const std::string &bytes) const
-    {
-        OrvelTest::writeFile(path(relative), bytes);
-    }
+    void writeFile(const std::string &relative, const std::string &bytes) const { OrvelTest::writeFile(path(relative), bytes); }
     void writeInfoPlist(const std::string &relative, const std::string &executable, bool binary) const
     {
         plist_t dict = plist_new_dict();

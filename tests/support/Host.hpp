@@ -27,8 +27,7 @@ class TempFolder {
 public:
     TempFolder() : path(makeTempDir()) {}
     ~TempFolder() { removeTree(path); }
-    TempFolder(const TempFolder &) = delete;
-    TempFolder &operator=(const TempFolder &) = delete;
+    TempFolder(const TempFolder &) = delete; // one owner removes it
     std::string operator/(const std::string &name) const { return path + "/" + name; }
     const std::string path;
 };
