@@ -204,7 +204,7 @@ TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
     noDeadline.records[1].renewDeadlineStr = nullptr;
     badSubject.records[0].subjectStr = const_cast<char *>("\xC3\x28");
     const auto confirm = [&](Records &r, const char *data, const char *alg, const char *value) {
-        return ORV_ConfirmSignature(r.records.data(), r.count(), &selected, data, nullptr, alg, value, &confirmed);
+        return ORV_ConfirmSignature(r.records.data(), 2, &selected, data, nullptr, alg, value, &confirmed);
     };
     // One argument holds at most 128 KiB on Linux.
     std::string der(96 * 1024, '\x30'), subject = "CN=Big", date = "2030-01-01";

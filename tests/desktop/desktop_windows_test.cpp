@@ -27,16 +27,11 @@ namespace {
 // A key script: plain keys, or text typed into whatever has the focus.
 struct Key {
     Key(Qt::Key k = Qt::Key_unknown) : key(k) {}
+    Key(const char *typed) : key(Qt::Key_unknown), text(typed) {}
     Qt::Key key;
     QString text;
 };
 using Keys = QList<Key>;
-Key type(const QString &text)
-{
-    Key key;
-    key.text = text;
-    return key;
-}
 
 // Sends the keys to the modal window once it is up, then runs `show`.
 Outcome answerWith(const Keys &keys, const std::function<Outcome()> &show)
@@ -139,8 +134,8 @@ private slots:
         row("select: arrow then Enter", Window::CertificateSelect, 0, {{Qt::Key_Down}, {Qt::Key_Return}}, answered,
             false, 1);
         row("select: filter narrows to one row", Window::CertificateSelect, 0,
-            {{Qt::Key_Backtab}, type("svob"), {Qt::Key_Return}}, answered, false, 1);
-        row("select: filter ignores case", Window::CertificateSelect, 2, {{Qt::Key_Backtab}, type("NOV"), {Qt::Key_Return}},
+            {{Qt::Key_Backtab}, "svob", {Qt::Key_Return}}, answered, false, 1);
+        row("select: filter ignores case", Window::CertificateSelect, 2, {{Qt::Key_Backtab}, "NOV", {Qt::Key_Return}},
             answered, false, 0);
         row("select: Escape backs out", Window::CertificateSelect, 1, {{Qt::Key_Escape}}, cancelled, false, 0);
         // Enter declines: the signature is never the default.
@@ -208,7 +203,7 @@ private slots:
         Request r = request(Window::SelectPKCS12);
         r.fileName = ORVEL_SOURCE_DIR "/tests/data/carol.p12";
         Answer answer;
-        const Outcome outcome = answerWith({type("wrong"), {Qt::Key_Return}}, [&] {
+        const Outcome outcome = answerWith({"wrong", {Qt::Key_Return}}, [&] {
             QTimer::singleShot(50, [] {
                 auto *window = qobject_cast<Pkcs12Window *>(QApplication::activeModalWidget());
                 QVERIFY(window && window->problem()->isVisible());

@@ -64,7 +64,6 @@ struct Records {
                                notAfter.data(), deadline.data(), 30 - static_cast<int>(i), i == 1, false});
         }
     }
-    unsigned int count() const { return static_cast<unsigned int>(records.size()); }
     std::vector<std::string> data, subjects;
     std::string notAfter = "2027-01-31", deadline = "2026-12-31";
     std::vector<ORV_Certificate> records;

@@ -64,7 +64,6 @@ struct HostBuffer {
     explicit HostBuffer(unsigned int size) : size(size), bytes(new char[size]) { std::fill_n(bytes.get(), size, 'x'); }
     std::string text() const { return std::string(bytes.get()); }
     bool all(char c) const { return std::all_of(bytes.get(), bytes.get() + size, [c](char b) { return b == c; }); }
-    bool allZero() const { return all(0); }
     bool untouched() const { return all('x'); }
     bool clearedExceptLast() const
     {
@@ -73,7 +72,7 @@ struct HostBuffer {
     // "untouched", "cleared" (all zero but the last byte), "zero", or the text.
     std::string describe() const
     {
-        return untouched() ? "untouched" : clearedExceptLast() ? "cleared" : allZero() ? "zero" : text();
+        return untouched() ? "untouched" : clearedExceptLast() ? "cleared" : all(0) ? "zero" : text();
     }
     unsigned int size;
     std::unique_ptr<char[]> bytes;
