@@ -170,7 +170,8 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
         {[&] { return signing("ABC", "XY"); }, sign + "QUJD|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-rtf|WFk=|-certs|*"},
         {[&] { return signing("", nullptr); }, sign + "|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-certs|*"},
         // Data that is not UTF-8 is sent as the empty value.
-        {[&] { return signing("\xFF\xFE", "\xC3\x28"); }, sign + "|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-rtf||-certs|*"},
+        {[&] { return signing("\xFF\xFE", "\xC3\x28"); },
+         sign + "|-hashAlg|SHA-256|-hashVal|0A1B|-selectedCert|1|-rtf||-certs|*"},
     };
     for (const auto &[call, expected] : cases) {
         call();

@@ -123,7 +123,8 @@ TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
          "Info.plist is refused: larger than 1048576 bytes"},
         {"a deep Info.plist", bundleWith("Deep.app", "Info.plist", deep), none, 7, tooDeep},
         {"a deep binary Info.plist",
-         bundleWith("Binary.app", "Info.plist", OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
+         bundleWith("Binary.app", "Info.plist",
+                    OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
          none, 7, tooDeep},
         {"dies by a signal", fake, [&](FakeGui &g) { g.reply(hello).dieBySignal(SIGKILL); }, 7, unknown + "137\n"},
         {"exits with 9", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(9); }, 7, unknown + "9\n"},
@@ -178,8 +179,8 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
     // for it and drops what it never read.
     const std::string sent = noticeAfterSwitches(
         [](FakeGui &g) { g.reply("ReinsertCard").sleepMs(200).exitStatus(4); }, (1u << 20) / 19 + 1, 4);
-    EXPECT_EQ(newLog(),
-              "GUI aplikace skončila a nepřečetla " + std::to_string(sent.size() + 18) + " bajtů příkazů; zahazují se.\n");
+    EXPECT_EQ(newLog(), "GUI aplikace skončila a nepřečetla " + std::to_string(sent.size() + 18) +
+                            " bajtů příkazů; zahazují se.\n");
     expectHostGoesOn("after the notice");
 }
 

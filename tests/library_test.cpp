@@ -1,10 +1,7 @@
-// The library's own parts as a host uses them, run first on a fresh library:
-// settings, language and the diagnostic log; a dynamic symbol table that
-// exports the interface and nothing else (no platform layer, no libplist, no
-// standard-library instantiations), the C functions and the state under their
-// plain names; the certificate records and their list, read back by python3
-// too; and the Util helpers: Base64 (beside the certificate list's own codec),
-// text encodings through iconv, strings, and whole files.
+// The library's own parts, each test on a fresh library: settings, language and
+// the log; the exported symbols, exactly the interface; the certificate records
+// and their list, read back by python3 too; and the Util helpers (Base64 beside
+// the list's own codec, encodings through iconv, strings, whole files).
 #include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>

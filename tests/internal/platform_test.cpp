@@ -29,9 +29,10 @@ using OrvelDialogs::Platform::PlatformException;
 TEST(HostText, AcceptsOnlyStrictUtf8)
 {
     // Czech, U+1F511, U+10FFFF, U+FFFD, a zero byte inside.
-    for (const std::string &valid : {std::string(), std::string("plain ASCII"), std::string("\xC5\xBD" "lu\xC5\xA5ou\xC4\x8Dk\xC3\xBD"),
-                                    std::string("\xF0\x9F\x94\x91"), std::string("\xF4\x8F\xBF\xBF"),
-                                    std::string("\xEF\xBF\xBD"), std::string("a\0b", 3)})
+    for (const std::string &valid :
+         {std::string(), std::string("plain ASCII"), std::string("\xC5\xBD" "lu\xC5\xA5ou\xC4\x8Dk\xC3\xBD"),
+          std::string("\xF0\x9F\x94\x91"), std::string("\xF4\x8F\xBF\xBF"), std::string("\xEF\xBF\xBD"),
+          std::string("a\0b", 3)})
         EXPECT_TRUE(OrvelDialogs::Platform::isValidUtf8(valid)) << testing::PrintToString(valid);
     // A bad continuation, cut short twice, overlong three times, a surrogate
     // (U+D800), above U+10FFFF twice, 0xFF, a lone continuation.
