@@ -8,7 +8,7 @@ packages=(
   libplist-dev libssl-dev openssl libcli11-dev help2man
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
-  python3 locales
+  python3 locales gcovr
   qt6-base-dev libgl-dev qt6-translations-l10n
   xvfb xauth xdotool fonts-dejavu-core
 )

@@ -3,8 +3,12 @@
 
 #include <stddef.h>
 
+/* The x86-64 layout that hosts built against this header rely on. */
 typedef char certificate_is_48_bytes[sizeof(ORV_Certificate) == 48 ? 1 : -1];
-typedef char warn_renew_is_last[offsetof(ORV_Certificate, warnRenew) == 45 ? 1 : -1];
+typedef char fields_in_place[offsetof(ORV_Certificate, dataLength) == 8 && offsetof(ORV_Certificate, subjectStr) == 16 &&
+    offsetof(ORV_Certificate, notAfterStr) == 24 && offsetof(ORV_Certificate, renewDeadlineStr) == 32 &&
+    offsetof(ORV_Certificate, validDaysRemaining) == 40 && offsetof(ORV_Certificate, forceRenew) == 44 &&
+    offsetof(ORV_Certificate, warnRenew) == 45 ? 1 : -1];
 
 long orvel_c_header_check(void);
 

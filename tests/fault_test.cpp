@@ -1,52 +1,34 @@
 // Faults of the GUI application and of the host's process set-up, against real
 // child processes: each ends in a result code and a log entry, and the host
-// goes on with nothing left behind.
+// goes on with nothing left behind. Then AppLauncher on its own.
+#include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-#include "support/Interruptions.hpp"
-#include "support/ProcessCensus.hpp"
-#include "support/Sanitizers.hpp"
-#include "support/TempDir.hpp"
 
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <fstream>
-#include <memory>
 #include <functional>
-#include <vector>
+#include <memory>
 #include <thread>
+#include <vector>
 
 using OrvelTest::FakeGui;
 using OrvelTest::replyWithLog;
 
 namespace {
 
-const std::string kLostStatusEntry =
-    "Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.";
-
-std::string droppedCommandsEntry(size_t bytes)
-{
-    return "GUI aplikace skončila a nepřečetla " + std::to_string(bytes) + " bajtů příkazů; zahazují se.";
-}
-
 using OrvelTest::kAddressSanitizer;
 
-// Waits (bounded) until every child of the test has exited.
-bool childrenHaveExited()
-{
-    for (int i = 0; i < 500 && OrvelTest::childProcessCount() != OrvelTest::zombieChildCount(); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return OrvelTest::childProcessCount() == OrvelTest::zombieChildCount();
-}
+const std::string kLostStatusEntry =
+    "Návratový kód GUI aplikace se ztratil (hostitel ignoruje SIGCHLD), bere se jako 0.";
 
 // Ends the test process instead of letting a call that blocks hang the run.
 class Watchdog {
@@ -60,51 +42,23 @@ protected:
     void SetUp() override
     {
         DialogTest::SetUp();
-        scratch_ = OrvelTest::makeTempDir();
-        // One dialog first, so that whatever the first one sets up for good
-        // is not counted as left behind.
-        expectNextDialogWorks("set-up");
-        descriptors_ = OrvelTest::openDescriptorCount();
-    }
-    void TearDown() override { OrvelTest::removeTree(scratch_); }
-
-    void expectNextDialogWorks(const std::string &what)
-    {
-        FakeGui healthy;
-        healthy.reply(replyWithLog("MessageBox"));
-        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0) << what;
+        // One dialog first, so that whatever the first one sets up for good is
+        // not counted as left behind.
+        gui.reply(replyWithLog("MessageBox"));
+        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0);
         newLog();
+        descriptors_ = OrvelTest::openDescriptorCount();
     }
 
     // The host goes on: the next dialog works, and no descriptor, child or
     // zombie stayed behind.
     void expectHostGoesOn(const std::string &what)
     {
-        expectNextDialogWorks(what);
+        gui.clear().reply(replyWithLog("MessageBox"));
+        EXPECT_EQ(ORV_MessageBox("m", nullptr, 0), 0) << what;
+        newLog();
         EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_) << what;
         EXPECT_EQ(OrvelTest::childProcessCount(), 0) << what;
-    }
-
-    std::string makeFile(const std::string &name, const std::string &bytes, mode_t mode)
-    {
-        const std::string path = scratch_ + "/" + name;
-        std::ofstream(path, std::ios::binary) << bytes;
-        chmod(path.c_str(), mode);
-        return path;
-    }
-
-    std::string makeDir(const std::string &name)
-    {
-        const std::string path = scratch_ + "/" + name;
-        mkdir(path.c_str(), 0755);
-        return path;
-    }
-
-    std::string bundleWithInfoPlist(const std::string &bytes)
-    {
-        makeDir("Odd.app");
-        makeFile("Odd.app/Info.plist", bytes, 0644);
-        return scratch_ + "/Odd.app";
     }
 
     // `count` switches alternating in a fixed pattern, and the bytes they send.
@@ -119,92 +73,98 @@ protected:
         return sent;
     }
 
-    std::string scratch_;
+    // Shows a notice scripted with `script` gated on a file, sends `switches`
+    // commands, opens the gate and closes: the commands sent.
+    std::string noticeAfterSwitches(const std::function<void(FakeGui &)> &script, size_t switches, long closed)
+    {
+        script(gui.clear().gate(scratch / "gate"));
+        EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
+        const std::string sent = sendSwitches(switches);
+        OrvelTest::writeFile(scratch / "gate", "\n");
+        EXPECT_EQ(ORV_ReinsertCardClose(), closed);
+        unlink((scratch / "gate").c_str());
+        return sent;
+    }
+
     int descriptors_ = 0;
 };
 
 TEST_F(Faults, EveryFaultOfTheGuiApplicationGivesAResultAndALogEntry)
 {
-    const std::string hello = replyWithLog("YesNoDialog yes");
-    struct Case {
+    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
+    const std::string hello = replyWithLog("YesNoDialog yes"), fake = FakeGui::bundlePath();
+    const std::string cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
+    const std::string kept = "log z GUI aplikace: " + std::string(999, 'L') + " \n\n";
+    const auto bundleWith = [&](const std::string &bundle, const std::string &file, const std::string &bytes) {
+        OrvelTest::writeFile(scratch / bundle + "/" + file, bytes);
+        return scratch / bundle;
+    };
+    std::string deep;
+    for (int i = 0; i < 40; ++i)
+        deep += "<array>";
+    const auto none = [](FakeGui &) {};
+    const std::string noBundle = "no application bundle with an executable", tooDeep = "nested deeper than 32 levels";
+    const std::string unknown = "Unknown error code number occured:", helloEntry = "log z GUI aplikace: hello \n";
+    const struct {
         const char *what;
-        // The bundle to start; the fake when it returns nothing.
-        std::function<std::string()> bundle;
+        std::string bundle;
         std::function<void(FakeGui &)> script;
         long result;
         std::string entry;
-        bool answer;
-    };
-    const auto fake = [] { return std::string(); };
-    const Case cases[] = {
-        {"missing", [&] { return scratch_ + "/Missing.app"; }, [](FakeGui &) {}, 7,
-         "no application bundle with an executable", false},
-        {"not executable",
-         [&] {
-             makeDir("Locked.app");
-             makeFile("Locked.app/Locked", "#!/bin/sh\nexit 0\n", 0644);
-             return scratch_ + "/Locked.app";
-         },
-         [](FakeGui &) {}, 7, "Permission denied", false},
-        {"a plain file, not a bundle", [&] { return makeFile("plain.app", "#!/bin/sh\n", 0755); }, [](FakeGui &) {},
-         7, "no application bundle with an executable", false},
-        {"a folder without an executable", [&] { return makeDir("Empty.app"); }, [](FakeGui &) {}, 7,
-         "no application bundle with an executable", false},
+        bool answer = false;
+        unsigned long long limit = 256u << 20; // of the output and so of the log
+    } cases[] = {
+        {"missing", scratch / "Missing.app", none, 7, noBundle},
+        {"not executable", bundleWith("Locked.app", "Locked", "#!/bin/sh\nexit 0\n"), none, 7, "Permission denied"},
+        {"a plain file, not a bundle", OrvelTest::writeFile(scratch / "plain.app", "#!/bin/sh\n", 0755), none, 7, noBundle},
+        {"a folder without an executable", bundleWith("Empty.app", "notes.txt", ""), none, 7, noBundle},
         // Refused unread: larger than 1 MiB, or nested deeper than 32 levels.
-        {"a huge Info.plist", [&] { return bundleWithInfoPlist("<plist>" + std::string(1u << 20, ' ')); },
-         [](FakeGui &) {}, 7, "Info.plist is refused: larger than 1048576 bytes", false},
-        {"a deep Info.plist",
-         [&] {
-             std::string deep;
-             for (int i = 0; i < 40; ++i)
-                 deep += "<array>";
-             return bundleWithInfoPlist(deep);
-         },
-         [](FakeGui &) {}, 7,
-         "Info.plist is refused: nested deeper than 32 levels", false},
+        {"a huge Info.plist", bundleWith("Huge.app", "Info.plist", "<plist>" + std::string(1u << 20, ' ')), none, 7,
+         "Info.plist is refused: larger than 1048576 bytes"},
+        {"a deep Info.plist", bundleWith("Deep.app", "Info.plist", deep), none, 7, tooDeep},
         {"a deep binary Info.plist",
-         [&] {
-             std::ifstream deep(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40", std::ios::binary);
-             return bundleWithInfoPlist(std::string(std::istreambuf_iterator<char>(deep), {}));
-         },
-         [](FakeGui &) {}, 7, "Info.plist is refused: nested deeper than 32 levels", false},
-        {"dies by a signal", fake, [&](FakeGui &gui) { gui.reply(hello).dieBySignal(SIGKILL); }, 7,
-         "Unknown error code number occured:137\n", false},
-        {"exits with 9", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(9); }, 7,
-         "Unknown error code number occured:9\n", false},
-        {"exits with 255", fake, [&](FakeGui &gui) { gui.reply(hello).exitStatus(255); }, 7,
-         "Unknown error code number occured:255\n", false},
-        {"writes invalid UTF-8", fake,
-         [](FakeGui &gui) { gui.reply("YesNoDialog yes \xC3\x28 -log " + OrvelTest::base64("hello")); }, 7,
-         "Chybná odpověď od YesNoDialog okna.\n", false},
-        {"writes past the 256 MiB output limit", fake, [&](FakeGui &gui) { gui.reply(hello + " ").fill(256u << 20); },
-         7, "output limit of 268435456 bytes", false},
+         bundleWith("Binary.app", "Info.plist",
+                    OrvelTest::readFile(ORVEL_SOURCE_DIR "/fuzz/corpus/info_plist/binary-nested-40")),
+         none, 7, tooDeep},
+        {"dies by a signal", fake, [&](FakeGui &g) { g.reply(hello).dieBySignal(SIGKILL); }, 7, unknown + "137\n"},
+        {"exits with 9", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(9); }, 7, unknown + "9\n"},
+        {"exits with 255", fake, [&](FakeGui &g) { g.reply(hello).exitStatus(255); }, 7, unknown + "255\n"},
+        {"writes invalid UTF-8", fake, [](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes \xC3\x28")); }, 7,
+         "Chybná odpověď od YesNoDialog okna.\n"},
+        {"writes past the 256 MiB output limit", fake, [&](FakeGui &g) { g.reply(hello + " ").fill(256u << 20); }, 7,
+         "output limit of 268435456 bytes"},
         // The end of its output is not its exit: the status still counts.
         {"closes its stdout early and runs on", fake,
-         [&](FakeGui &gui) { gui.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3,
-         "log z GUI aplikace: hello \n", false},
+         [&](FakeGui &g) { g.reply(hello).closeStdoutEarly().sleepMs(500).exitStatus(3); }, 3, helloEntry},
         {"leaves a grandchild holding its stdout", fake,
-         [&](FakeGui &gui) { gui.reply(hello).grandchildHoldingStdout(30000); }, 0, "log z GUI aplikace: hello \n",
-         true},
+         [&](FakeGui &g) { g.reply(hello).grandchildHoldingStdout(30000); }, 0, helloEntry, true},
+        {"writes up to the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4000 - hello.size(), ' '); }, 0,
+         helloEntry, true, 4000},
+        {"writes one byte past the limit", fake, [&](FakeGui &g) { g.reply(hello).fill(4001 - hello.size(), ' '); }, 7,
+         "output limit of 4000 bytes", false, 4000},
+        // The child that goes on writing is killed, not waited for.
+        {"writes on and on", fake, [&](FakeGui &g) { g.reply(hello + " ").fill(64u << 20).sleepMs(30000); }, 7,
+         "output limit of 4000 bytes", false, 4000},
+        {"logs 999 bytes", fake, [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes", std::string(999, 'L'))); }, 0,
+         kept, true, 4000},
+        {"logs more than 1000 bytes", fake,
+         [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes", std::string(1500, 'L')) + "\n"); }, 0,
+         kept + cutEntry, true, 4000},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.what);
-        {
-            FakeGui script;
-            c.script(script);
-            const std::string bundle = c.bundle();
-            ORV_SetAppPath((bundle.empty() ? FakeGui::bundlePath() : bundle).c_str());
-            bool answer = false;
-            const auto start = std::chrono::steady_clock::now();
-            EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result);
-            // Bounded, not a speed target: the dialog did not wait for the
-            // grandchild's 30 s.
-            EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-            EXPECT_EQ(answer, c.answer);
-            const std::string log = newLog();
-            EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
-        }
-        ORV_SetAppPath(FakeGui::bundlePath().c_str());
+        c.script(gui.clear());
+        ASSERT_EQ(ORV_SetOutputLimit(c.limit), 0);
+        bool answer = false;
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_EQ(withAppPath(c.bundle, [&] { return ORV_YesNoDialog("m", nullptr, 0, &answer); }), c.result);
+        // Bounded, not a speed target: the dialog did not wait for the
+        // grandchild's 30 s.
+        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
+        EXPECT_EQ(answer, c.answer);
+        const std::string log = newLog();
+        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 2000);
+        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
         expectHostGoesOn(c.what);
     }
 }
@@ -214,32 +174,21 @@ TEST_F(Faults, ANoticeThatNeverReadsItsInputNeverBlocksTheHost)
     // A write that raised SIGPIPE would end the test with the default action.
     signal(SIGPIPE, SIG_DFL);
     const Watchdog watchdog(120);
-    const std::string gate = scratch_ + "/gate";
-    FakeGui notice;
-    notice.reply("ReinsertCard").gate(gate).sleepMs(200).exitStatus(4);
-    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
     // 1 MiB of commands, far more than the pipe holds; not one switch waits.
-    const size_t switches = (1u << 20) / 19 + 1;
-    const std::string sent = sendSwitches(switches);
-    // The notice wakes up and exits a little later without reading: close
-    // waits for it and drops what it never read.
-    std::ofstream(gate).put('\n');
-    EXPECT_EQ(ORV_ReinsertCardClose(), 4);
-    EXPECT_EQ(newLog(), droppedCommandsEntry(sent.size() + 18) + "\n");
+    // The notice wakes up and exits a little later without reading: close waits
+    // for it and drops what it never read.
+    const std::string sent = noticeAfterSwitches(
+        [](FakeGui &g) { g.reply("ReinsertCard").sleepMs(200).exitStatus(4); }, (1u << 20) / 19 + 1, 4);
+    EXPECT_EQ(newLog(), "GUI aplikace skončila a nepřečetla " + std::to_string(sent.size() + 18) +
+                            " bajtů příkazů; zahazují se.\n");
     expectHostGoesOn("after the notice");
 }
 
 TEST_F(Faults, CommandsANoticeReadsLateReachItWholeAndInOrder)
 {
     const Watchdog watchdog(120);
-    const std::string gate = scratch_ + "/gate";
-    FakeGui notice;
-    notice.gate(gate).readStdin().exitStatus(2);
-    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-    const std::string sent = sendSwitches((1u << 20) / 19 + 1);
-    std::ofstream(gate).put('\n');
-    EXPECT_EQ(ORV_ReinsertCardClose(), 2);
-    EXPECT_EQ(notice.stdinBytes(), sent + "ReinsertCard close");
+    const std::string sent = noticeAfterSwitches([](FakeGui &g) { g.readStdin().exitStatus(2); }, (1u << 20) / 19 + 1, 2);
+    EXPECT_EQ(gui.stdinBytes(), sent + "ReinsertCard close");
     EXPECT_EQ(newLog(), "");
     expectHostGoesOn("after the notice");
 }
@@ -248,23 +197,17 @@ TEST_F(Faults, DialogsWorkWhenTheHostIgnoresSigchld)
 {
     // The kernel then reaps every child at once and keeps no exit status.
     signal(SIGCHLD, SIG_IGN);
-    {
-        FakeGui dialog;
-        dialog.reply(replyWithLog("YesNoDialog yes")).exitStatus(3);
-        bool answer = false;
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
-        EXPECT_TRUE(answer);
-        EXPECT_EQ(newLog(), kLostStatusEntry + "\nlog z GUI aplikace: hello \n\n");
-    }
-    {
-        FakeGui notice;
-        notice.readStdin().exitStatus(5);
-        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-        EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 0);
-        EXPECT_EQ(ORV_ReinsertCardClose(), 0);
-        EXPECT_EQ(notice.stdinBytes(), "ReinsertCard insertReinsertCard close");
-        EXPECT_EQ(newLog(), kLostStatusEntry + "\n");
-    }
+    gui.reply(replyWithLog("YesNoDialog yes")).exitStatus(3);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(newLog(), kLostStatusEntry + "\nlog z GUI aplikace: hello \n\n");
+    gui.clear().readStdin().exitStatus(5);
+    ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
+    EXPECT_EQ(ORV_ReinsertCardSwitchText(1), 0);
+    EXPECT_EQ(ORV_ReinsertCardClose(), 0);
+    EXPECT_EQ(gui.stdinBytes(), "ReinsertCard insertReinsertCard close");
+    EXPECT_EQ(newLog(), kLostStatusEntry + "\n");
     EXPECT_EQ(OrvelTest::childProcessCount(), 0);
     signal(SIGCHLD, SIG_DFL);
     expectHostGoesOn("SIGCHLD back at its default");
@@ -273,28 +216,17 @@ TEST_F(Faults, DialogsWorkWhenTheHostIgnoresSigchld)
 TEST_F(Faults, ResultsStayRightWhileTheHostIsInterruptedEveryMillisecond)
 {
     auto interruptions = std::make_unique<OrvelTest::EveryMillisecondInterruptions>();
-
-    {
-        // The log section comes after 64 MiB: the whole reply must arrive.
-        FakeGui dialog;
-        dialog.reply("YesNoDialog yes ").fill(64u << 20, 'Q', " -log " + OrvelTest::base64("end")).sleepMs(50);
-        bool answer = false;
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
-        EXPECT_TRUE(answer);
-        EXPECT_EQ(newLog(), "log z GUI aplikace: end \n\n");
-    }
-    {
-        // Commands kept while the notice does not read go out under the
-        // interruptions too.
-        FakeGui notice;
-        const std::string gate = scratch_ + "/gate";
-        notice.gate(gate).readStdin().sleepMs(50).exitStatus(6);
-        ASSERT_EQ(ORV_ReinsertCardShow("m"), 0);
-        const std::string sent = sendSwitches((256u << 10) / 19);
-        std::ofstream(gate).put('\n');
-        EXPECT_EQ(ORV_ReinsertCardClose(), 6);
-        EXPECT_EQ(notice.stdinBytes(), sent + "ReinsertCard close");
-    }
+    // The log section comes after 64 MiB: the whole reply must arrive.
+    gui.reply("YesNoDialog yes ").fill(64u << 20, 'Q', " -log " + OrvelTest::base64("end")).sleepMs(50);
+    bool answer = false;
+    EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), 0);
+    EXPECT_TRUE(answer);
+    EXPECT_EQ(newLog(), "log z GUI aplikace: end \n\n");
+    // Commands kept while the notice does not read go out under the
+    // interruptions too.
+    const std::string sent =
+        noticeAfterSwitches([](FakeGui &g) { g.readStdin().sleepMs(50).exitStatus(6); }, (256u << 10) / 19, 6);
+    EXPECT_EQ(gui.stdinBytes(), sent + "ReinsertCard close");
     EXPECT_GT(interruptions->count(), 20);
     interruptions.reset();
     expectHostGoesOn("after the interruptions");
@@ -304,7 +236,7 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
 {
     signal(SIGPIPE, SIG_DFL);
     const Watchdog watchdog(60);
-    const std::string gate = scratch_ + "/gate";
+    const std::string gate = scratch / "gate";
     // The first of two notices ends once its input ends; close reaps a notice
     // that ended before it or during it and gives its status either way.
     const std::function<long(FakeGui &)> runs[] = {
@@ -318,13 +250,13 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
         },
         [](FakeGui &g) {
             g.exitStatus(2);
-            EXPECT_EQ(ORV_ReinsertCardShow("m") + !childrenHaveExited(), 0);
+            EXPECT_EQ(ORV_ReinsertCardShow("m") + !OrvelTest::childrenHaveExited(), 0);
             return ORV_ReinsertCardClose() - 2;
         },
         [&](FakeGui &g) {
             g.gate(gate).sleepMs(5).exitStatus(2);
             EXPECT_EQ(ORV_ReinsertCardShow("m"), 0);
-            std::ofstream(gate).put('\n');
+            OrvelTest::writeFile(gate, "\n");
             return ORV_ReinsertCardClose() - 2;
         },
     };
@@ -334,40 +266,8 @@ TEST_F(Faults, DialogsAndNoticesKeepNoDescriptorOrProcessOnceDone)
         // Right when the call returns, before any other call could tidy up.
         EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors_);
         unlink(gate.c_str());
-        ASSERT_TRUE(childrenHaveExited());
+        ASSERT_TRUE(OrvelTest::childrenHaveExited());
         expectHostGoesOn("after run " + std::to_string(i));
-    }
-}
-
-TEST_F(Faults, OutputAndGuiLogStayWithinTheOutputLimit)
-{
-    EXPECT_EQ(ORV_SetOutputLimit(0), 1);
-    ASSERT_EQ(ORV_SetOutputLimit(4000), 0);
-    const std::string yes = replyWithLog("YesNoDialog yes"), cutEntry = "Log z GUI aplikace byl delší než 1000 bajtů";
-    const std::string kept = "log z GUI aplikace: " + std::string(999, 'L') + " \n\n";
-    const struct {
-        std::function<void(FakeGui &)> script;
-        long result;
-        std::string entry;
-    } cases[] = {
-        {[&](FakeGui &g) { g.reply(yes).fill(4000 - yes.size(), ' '); }, 0, "log z GUI aplikace: hello \n"},
-        {[&](FakeGui &g) { g.reply(yes).fill(4001 - yes.size(), ' '); }, 7, "output limit of 4000 bytes"},
-        {[&](FakeGui &g) { g.reply(yes + " ").fill(64u << 20).sleepMs(30000); }, 7, "output limit of 4000 bytes"},
-        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(999, 'L'))); }, 0, kept},
-        {[&](FakeGui &g) { g.reply("YesNoDialog yes -log " + OrvelTest::base64(std::string(1500, 'L')) + "\n"); },
-         0, kept + cutEntry},
-    };
-    for (const auto &c : cases) {
-        c.script(gui.clear());
-        bool answer = false;
-        const auto start = std::chrono::steady_clock::now();
-        EXPECT_EQ(ORV_YesNoDialog("m", nullptr, 0, &answer), c.result) << c.entry;
-        // The child that went on writing was killed, not waited for.
-        EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(20));
-        const std::string log = newLog();
-        EXPECT_NE(log.find(c.entry), std::string::npos) << log.substr(0, 300);
-        EXPECT_EQ(log.find(cutEntry) != std::string::npos, c.entry.ends_with(cutEntry));
-        EXPECT_EQ(OrvelTest::childProcessCount(), 0);
     }
 }
 
@@ -405,7 +305,7 @@ TEST_F(Faults, OutOfMemoryAndOutOfDescriptorsGiveSevenAndSayWhy)
         EXPECT_EQ(result, 7);
         const std::string log = newLog();
         EXPECT_NE(log.find(c.entry), std::string::npos) << log;
-        ASSERT_TRUE(childrenHaveExited());
+        ASSERT_TRUE(OrvelTest::childrenHaveExited());
         expectHostGoesOn(c.entry);
     }
 }
@@ -428,8 +328,8 @@ TEST_F(Faults, AHostsOwnSigchldReaperTakesNoStatusFromThisThread)
     EXPECT_EQ(ORV_ReinsertCardShow("m") + ORV_ReinsertCardClose(), 5);
     signal(SIGCHLD, SIG_DFL);
 
-    // A waitpid(-1) on another thread may win the race: then the log says
-    // so and the result is 7, never a made-up status.
+    // A waitpid(-1) on another thread may win the race: then the log says so
+    // and the result is 7, never a made-up status.
     std::atomic<pid_t> taken{0};
     std::atomic<bool> done{false};
     std::thread waiter([&] {
@@ -444,6 +344,115 @@ TEST_F(Faults, AHostsOwnSigchldReaperTakesNoStatusFromThisThread)
     EXPECT_EQ(result, taken != 0 ? 7 : 3);
     EXPECT_EQ(newLog().find("převzal jiný waitpid() hostitele") != std::string::npos, taken != 0);
     expectHostGoesOn("after the reapers");
+}
+
+// AppLauncher itself: how it reads a reply, what its children inherit, and
+// that it keeps nothing and minds no interruption.
+struct Exchange {
+    int status = -1, response = -1, log = -1; // log -1: reading it raised
+    std::string reply;
+};
+
+// Launch, wait, then the three reading steps in their order.
+Exchange runLauncher(const std::string &window, std::vector<std::string> arguments = {})
+{
+    if (arguments.empty())
+        arguments = {"-window", window};
+    AppLauncher launcher;
+    launcher.Launch(FakeGui::bundlePath(), arguments);
+    launcher.WaitUntilExit();
+    Exchange exchange;
+    exchange.status = launcher.GetTerminationStatus();
+    exchange.response = launcher.GetStdoutResponse(window, exchange.reply);
+    try {
+        exchange.log = launcher.ProcessLogFromGUI(exchange.reply);
+    } catch (const std::exception &) {
+    }
+    return exchange;
+}
+
+TEST(Launcher, ReadsTheReplyAndTheGuiLog)
+{
+    const std::string hello = OrvelTest::base64("hello"), helloEntry = "log z GUI aplikace: hello \n\n";
+    const std::string noLog = "Odpověď z GUI neobsahovala log.\n\n", wrong = "Chybná odpověď od MessageBox okna.\n\n";
+    const struct {
+        std::string reply;
+        int response, log; // log -1: it raised
+        std::string entries;
+    } cases[] = {
+        {"MessageBox -log " + hello, 0, 0, helloEntry},
+        // The beginning test is a test of the text's start, not of a token.
+        {"MessageBoxes -log " + hello, 0, 0, helloEntry}, {"", 7, 7, noLog},
+        {"YesNoDialog yes -log " + hello, 7, 7, wrong + noLog},
+        {"MessageBox \xC3\x28 -log " + hello, 7, 7, wrong + noLog}, {"MessageBox", 0, 7, noLog},
+        {"MessageBox -log", 0, -1, ""}, {"MessageBox -log  ", 0, 0, "log z GUI aplikace je prazdný\n"},
+        // The line feed stays part of the last token: "-log\n" is no "-log".
+        {"MessageBox -log\n", 0, 7, noLog}, {"MessageBox -log " + hello + "\n", 0, 0, helloEntry},
+        {"MessageBox -log " + OrvelTest::base64(std::string("ab\0cd", 5)), 0, 0, "log z GUI aplikace: ab \n\n"},
+        {"MessageBox -log " + hello + " -log " + OrvelTest::base64("second"), 0, 0, helloEntry},
+        // A log that is not UTF-8 keeps its readable part.
+        {"MessageBox -log " + OrvelTest::base64("a\xFF" "b"), 0, 0, "log z GUI aplikace: a\xEF\xBF\xBD" "b \n\n"},
+    };
+    FakeGui gui;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.reply);
+        gui.reply(c.reply);
+        const std::string before = OrvelTest::logText();
+        const Exchange exchange = runLauncher("MessageBox");
+        EXPECT_EQ(exchange.status, 0);
+        EXPECT_EQ(exchange.response, c.response);
+        EXPECT_EQ(exchange.log, c.log);
+        EXPECT_EQ(exchange.reply, c.response == 0 ? c.reply : std::string());
+        EXPECT_EQ(OrvelTest::logText().substr(before.size()), c.entries);
+    }
+}
+
+TEST(Launcher, TheChildInheritsOnlyItsStandardDescriptorsAndDefaultSignals)
+{
+    // A descriptor the host left inheritable, an ignored and a blocked signal.
+    const int leaked = open("/dev/null", O_RDONLY);
+    ASSERT_GE(leaked, 3);
+    signal(SIGUSR1, SIG_IGN);
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGUSR2);
+    pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+
+    FakeGui gui;
+    gui.reply(replyWithLog("MessageBox"));
+    runLauncher("MessageBox", {"-window", "MessageBox", "-message", "with spaces and ümlauts", ""});
+    EXPECT_EQ(gui.openDescriptors(), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(gui.signalState(), "SigBlk:\t0000000000000000\nSigIgn:\t0000000000000000\n");
+    EXPECT_EQ(gui.arguments(), (std::vector<std::string>{"-window", "MessageBox", "-message", "with spaces and ümlauts", ""}));
+    close(leaked);
+}
+
+TEST(Launcher, ManyLaunchesLeaveNoDescriptorOrChildBehind)
+{
+    FakeGui gui;
+    gui.reply(replyWithLog("MessageBox"));
+    runLauncher("MessageBox");
+    const int descriptors = OrvelTest::openDescriptorCount();
+    const int children = OrvelTest::childProcessCount();
+    for (int i = 0; i < 1000; ++i)
+        ASSERT_EQ(runLauncher("MessageBox").response, 0);
+    EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
+    EXPECT_EQ(OrvelTest::childProcessCount(), children);
+}
+
+TEST(Launcher, WorksWhileTheHostIsInterruptedEveryMillisecond)
+{
+    OrvelTest::EveryMillisecondInterruptions interruptions;
+
+    FakeGui gui;
+    gui.reply("MessageBox -log ").fill(16u << 20, 'Q').sleepMs(20);
+    for (int i = 0; i < 20; ++i) {
+        const Exchange exchange = runLauncher("MessageBox");
+        ASSERT_EQ(exchange.status, 0);
+        ASSERT_EQ(exchange.response, 0);
+        ASSERT_EQ(exchange.reply.size(), 16 + (16u << 20));
+    }
+    EXPECT_GT(interruptions.count(), 20);
 }
 
 } // namespace

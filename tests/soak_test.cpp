@@ -5,9 +5,6 @@
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
 #include "support/DialogFixture.hpp"
-#include "support/ProcessCensus.hpp"
-#include "support/Sanitizers.hpp"
-#include "support/TempDir.hpp"
 
 #include <signal.h>
 #include <unistd.h>
@@ -25,8 +22,8 @@ namespace {
 
 using OrvelTest::kAddressSanitizer;
 
-// Anonymous resident memory of this process in bytes: the heap, not the
-// mapped files whose pages come and go.
+// Anonymous resident memory of this process in bytes: the heap, not the mapped
+// files whose pages come and go.
 long long residentAnonymousBytes()
 {
     std::ifstream status("/proc/self/status");
@@ -36,29 +33,16 @@ long long residentAnonymousBytes()
     return -1;
 }
 
-struct Records {
-    Records()
-    {
-        for (int i = 0; i < 3; ++i)
-            records.push_back({data.data(), static_cast<unsigned int>(data.size()), subject.data(), date.data(),
-                               date.data(), 30, false, i == 1});
-    }
-    std::string data = std::string(600, '\x30');
-    std::string subject = "CN=Soak Signer", date = "2027-01-31";
-    std::vector<ORV_Certificate> records;
-};
-
 class Soak : public OrvelTest::DialogTest {
 protected:
     void SetUp() override
     {
         DialogTest::SetUp();
         ORV_SetOrvelSignVersion("2.1");
-        // SIGPIPE at its default: a write to a dead notice must not end the host.
+        // SIGPIPE at its default: a write to a dead notice must not end the
+        // host.
         signal(SIGPIPE, SIG_DFL);
-        scratch_ = OrvelTest::makeTempDir();
     }
-    void TearDown() override { OrvelTest::removeTree(scratch_); }
 
     struct Step {
         const char *what;
@@ -69,89 +53,64 @@ protected:
 
     std::vector<Step> steps()
     {
+        const auto replying = [](const std::string &reply) { return [reply](FakeGui &g) { g.reply(reply); }; };
+        const auto message = [] { return ORV_MessageBox("m", nullptr, 0); };
+        const auto yesNo = [] {
+            bool answer = false;
+            return ORV_YesNoDialog("m", nullptr, 0, &answer);
+        };
+        const std::string gate = scratch / "gate";
         return {
-            {"message box", [&](FakeGui &g) { g.reply(replyWithLog("MessageBox")); },
-             [] { return ORV_MessageBox("m", "info", 1); }, 0},
-            {"yes/no", [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog no")); }, [this] { return yesNo(); }, 0},
-            {"file open", [&](FakeGui &g) { g.reply("FileOpen " + base64("/tmp/a.pdf") + " -log " + base64("x")); },
+            {"message box", replying(replyWithLog("MessageBox")), [] { return ORV_MessageBox("m", "info", 1); }, 0},
+            {"yes/no", replying(replyWithLog("YesNoDialog no")), yesNo, 0},
+            {"file open", replying("FileOpen " + base64("/tmp/a.pdf") + " -log " + base64("x")),
              [this] { return ORV_FileOpenDialog("m", nullptr, path_, sizeof path_, "PDF (pdf)"); }, 0},
-            {"file save, buffer too small",
-             [&](FakeGui &g) { g.reply("FileSave " + base64(std::string(300, 'p')) + " -log " + base64("x")); },
+            {"file save, buffer too small", replying("FileSave " + base64(std::string(300, 'p')) + " -log " + base64("x")),
              [this] { return ORV_FileSaveDialog("m", "a.pdf", path_, sizeof path_, nullptr); }, 11},
-            {"certificate display", [&](FakeGui &g) { g.reply(replyWithLog("DisplayCert")); },
+            {"certificate display", replying(replyWithLog("DisplayCert")),
+             [this] { return ORV_DisplayCertificate(reinterpret_cast<unsigned char *>(path_), sizeof path_); }, 0},
+            {"certificate selection", replying(replyWithLog("CertificateSelect -selectedCert 2")),
+             [this] { return ORV_SelectCertificate(records_.records.data(), 3, &selected_); }, 0},
+            {"signature confirmation", replying(replyWithLog("SignatureConfirm -result 1 -selectedCert 0")),
              [this] {
-                 return ORV_DisplayCertificate(reinterpret_cast<unsigned char *>(records_.data.data()),
-                                               static_cast<unsigned int>(records_.data.size()));
+                 return ORV_ConfirmSignature(records_.records.data(), 3, &selected_, "data", "{\\rtf1}", "SHA-256", "0A1B",
+                                             &confirmed_);
              },
              0},
-            {"certificate selection", [&](FakeGui &g) { g.reply(replyWithLog("CertificateSelect -selectedCert 2")); },
-             [this] {
-                 unsigned int selected = 0;
-                 return ORV_SelectCertificate(records_.records.data(), 3, &selected);
-             },
-             0},
-            {"signature confirmation", [&](FakeGui &g) { g.reply(replyWithLog("SignatureConfirm -result 1 -selectedCert 0")); },
-             [this] {
-                 unsigned int selected = 1;
-                 bool confirmed = false;
-                 return ORV_ConfirmSignature(records_.records.data(), 3, &selected, "data", "{\\rtf1}", "SHA-256",
-                                             "0A1B", &confirmed);
-             },
-             0},
-            {"PKCS#12", [&](FakeGui &g) { g.reply("SelectPKCS12 " + base64("/k.p12") + " " + base64("pw") + " -log x"); },
+            {"PKCS#12", replying("SelectPKCS12 " + base64("/k.p12") + " " + base64("pw") + " -log x"),
              [this] { return ORV_SelectPKCS12(path_, sizeof path_, value_, sizeof value_); }, 0},
-            {"own status 3", [&](FakeGui &g) { g.reply(replyWithLog("MessageBox")).exitStatus(3); },
-             [] { return ORV_MessageBox("m", nullptr, 0); }, 3},
-            {"unknown status", [&](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes")).exitStatus(12); },
-             [this] { return yesNo(); }, 7},
-            {"killed", [&](FakeGui &g) { g.reply(replyWithLog("MessageBox")).dieBySignal(SIGTERM); },
-             [] { return ORV_MessageBox("m", nullptr, 0); }, 7},
-            {"invalid UTF-8", [&](FakeGui &g) { g.reply("YesNoDialog yes \xF0\x28\x8C\xBC -log x"); },
-             [this] { return yesNo(); }, 7},
-            {"no reply", [&](FakeGui &) {}, [this] { return yesNo(); }, 7},
-            {"no log section", [&](FakeGui &g) { g.reply("YesNoDialog yes"); }, [this] { return yesNo(); }, 0},
-            {"reply ends in -log", [&](FakeGui &g) { g.reply("YesNoDialog yes -log"); }, [this] { return yesNo(); },
-             7},
-            {"missing bundle", [&](FakeGui &) {},
-             [this] {
-                 ORV_SetAppPath((scratch_ + "/Missing.app").c_str());
-                 const long result = yesNo();
-                 ORV_SetAppPath(FakeGui::bundlePath().c_str());
-                 return result;
-             },
-             7},
-            {"reinsert card", [&](FakeGui &g) { g.readStdin().exitStatus(1); },
+            {"own status 3", [](FakeGui &g) { g.reply(replyWithLog("MessageBox")).exitStatus(3); }, message, 3},
+            {"unknown status", [](FakeGui &g) { g.reply(replyWithLog("YesNoDialog yes")).exitStatus(12); }, yesNo, 7},
+            {"killed", [](FakeGui &g) { g.reply(replyWithLog("MessageBox")).dieBySignal(SIGTERM); }, message, 7},
+            {"invalid UTF-8", replying("YesNoDialog yes \xF0\x28\x8C\xBC -log x"), yesNo, 7},
+            {"no reply", [](FakeGui &) {}, yesNo, 7},
+            {"no log section", replying("YesNoDialog yes"), yesNo, 0},
+            {"reply ends in -log", replying("YesNoDialog yes -log"), yesNo, 7},
+            {"missing bundle", [](FakeGui &) {}, [this, yesNo] { return withAppPath(scratch / "Missing.app", yesNo); }, 7},
+            {"reinsert card", [](FakeGui &g) { g.readStdin().exitStatus(1); },
              [] {
-                 long result = ORV_ReinsertCardShow("m");
-                 result += ORV_ReinsertCardSwitchText(0) + ORV_ReinsertCardSwitchText(1);
-                 return result + ORV_ReinsertCardClose();
+                 const long result = ORV_ReinsertCardShow("m") + ORV_ReinsertCardSwitchText(0);
+                 return result + ORV_ReinsertCardSwitchText(1) + ORV_ReinsertCardClose();
              },
              1},
-            {"notice replaced by a modal dialog", [&](FakeGui &g) { g.reply(replyWithLog("MessageBox")); },
+            {"notice replaced by a modal dialog", replying(replyWithLog("MessageBox")),
              [] { return ORV_ReinsertCardShow("m") + ORV_MessageBox("m", nullptr, 0); }, 0},
             {"notice that never reads its commands",
-             // It wakes up a little after close began, so that close finds it running.
-             [&](FakeGui &g) { g.gate(gate()).sleepMs(20).exitStatus(2); },
-             [this] {
+             // It wakes up a little after close began, so that close finds it
+             // running.
+             [gate](FakeGui &g) { g.gate(gate).sleepMs(20).exitStatus(2); },
+             [gate] {
                  long result = ORV_ReinsertCardShow("m");
                  for (int i = 0; i < 5000; ++i)
                      result += ORV_ReinsertCardSwitchText(i & 1);
-                 std::ofstream(gate()).put('\n');
+                 OrvelTest::writeFile(gate, "\n");
                  result += ORV_ReinsertCardClose();
-                 unlink(gate().c_str());
+                 unlink(gate.c_str());
                  return result;
              },
              2},
         };
     }
-
-    long yesNo()
-    {
-        bool answer = false;
-        return ORV_YesNoDialog("m", nullptr, 0, &answer);
-    }
-
-    std::string gate() const { return scratch_ + "/gate"; }
 
     // Runs whole rounds of the steps, at least `count` dialogs, so that the
     // slot ends holding the same kind of launcher as after one round.
@@ -165,8 +124,9 @@ protected:
         }
     }
 
-    std::string scratch_;
-    Records records_;
+    OrvelTest::Records records_{3};
+    unsigned int selected_ = 0;
+    bool confirmed_ = false;
     char path_[256] = {};
     char value_[64] = {};
 };
@@ -176,9 +136,9 @@ TEST_F(Soak, TenThousandDialogsLeaveNothingBehind)
     const auto all = steps();
     // One round first: what the first dialogs set up for good is no growth.
     runDialogs(all, all.size());
-    // Room for everything the log will gain, so that its growth is exactly
-    // the bytes it gains: reallocations would leave freed copies behind in
-    // the heap that look like a leak.
+    // Room for everything the log will gain, so that its growth is exactly the
+    // bytes it gains: reallocations would leave freed copies behind in the heap
+    // that look like a leak.
     g_logBuffer->reserve(g_logBuffer->size() + (256u << 20));
 
     const int descriptors = OrvelTest::openDescriptorCount();
@@ -201,8 +161,8 @@ TEST_F(Soak, TenThousandDialogsLeaveNothingBehind)
         // exit stands in for this one.
         return;
     }
-    // Allocator noise, not a leak: a leak of even 100 bytes per dialog would
-    // be 1 MB here.
+    // Allocator noise, not a leak: a leak of even 100 bytes per dialog would be
+    // 1 MB here.
     EXPECT_LT(growth, 512 * 1024);
 }
 

@@ -1,9 +1,15 @@
 // Runs a program the way a user at a terminal would: in a new session whose
-// controlling terminal is a pseudo-terminal that the test holds the other end
-// of. The test sends keys, reads what was drawn, and takes the exit status.
+// controlling terminal is a pseudo-terminal the test holds the other end of.
 // Every wait has a time limit; a process still running at the end is killed
-// together with its process group.
+// with its process group. A session is one row of a table: the arguments, then
+// the steps a user takes and what each must show.
 #pragma once
+
+#include <OrvelGUIDialogs/Util.hpp>
+
+#include "support/Host.hpp"
+
+#include <gtest/gtest.h>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -13,8 +19,6 @@
 #include <termios.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <string>
@@ -23,38 +27,97 @@
 
 namespace OrvelTest {
 
-constexpr int kWaitMs = 20000;
-constexpr const char *kKeyDown = "\x1b[B";
-constexpr const char *kKeyUp = "\x1b[A";
-constexpr const char *kKeyEnter = "\r";
-constexpr const char *kKeyEscape = "\x1b";
+// A step of a session is one string, its first character saying what it is:
+//   ?text  text is drawn, after what the previous "?" found
+//   !keys  the user types keys            <bytes  bytes go to standard input
+//   .      standard input ends            #R,C    the terminal gets R rows, C columns
+//   ~N     the program gets signal N      =N      it exits with status N (128 + signal)
+//   >text  standard output is text        ^text   standard output starts with text
+//   +text  text is in standard output or on the screen (or standard error)
+//   -text  text is in neither             @text   the GUI's log (the Base64 after
+//   %text  the GUI's log lacks text               "-log" in its reply) holds text
+//   *raw   the terminal is in raw mode    *restored  as the user left it: cooked,
+//                                                    the main screen
+constexpr const char *kDown = "!\x1b[B";
+constexpr const char *kEnter = "!\r";
+constexpr const char *kEscape = "!\x1b";
 
-struct ProcessOptions {
-    std::vector<std::string> argv; // argv[0] is the program's path
-    bool terminal = true;          // false: a new session with no terminal at all
-    bool pipeStdin = false;        // else the terminal (or /dev/null)
-    bool pipeStdout = false;       // else the terminal (or /dev/null)
-    std::string workingDirectory;
-    std::vector<std::string> environment; // "NAME=value", over the inherited ones
-    int rows = 40;
-    int columns = 120;
+struct Session {
+    const char *name; // the test's name
+    std::vector<std::string> arguments;
+    std::vector<std::string> steps;
+    bool terminal = true; // false: a new session with no terminal at all
+    std::vector<std::string> environment = {}; // "NAME=value", over the inherited ones
+    std::vector<std::pair<std::string, std::string>> files = {}; // name and bytes, in the working folder
+    int rows = 40, columns = 120;
 };
+inline void PrintTo(const Session &session, std::ostream *out) { *out << session.name; }
+inline std::string sessionName(const testing::TestParamInfo<Session> &info) { return info.param.name; }
 
+inline std::string guiLog(const std::string &reply)
+{
+    const size_t at = reply.find(" -log ");
+    return at == std::string::npos ? "(no log)" : OrvelDialogs::Util::Base64Decode(reply.substr(at + 6));
+}
+
+// No call here retries after EINTR: these test processes catch no signal.
 class DrivenProcess {
 public:
-    explicit DrivenProcess(const ProcessOptions &options)
+    // Standard output is a pipe, and so is standard input for `pipeStdin`; the
+    // rest is the terminal, or /dev/null and a pipe for standard error.
+    DrivenProcess(const std::vector<std::string> &argv, const Session &session, bool pipeStdin,
+                  std::vector<std::string> environment, const std::string &directory)
     {
         ::signal(SIGPIPE, SIG_IGN); // a child that is gone must not end the test
-        start(options);
+        int inPipe[2] = {-1, -1}, outPipe[2], screenPipe[2] = {-1, -1};
+        std::string terminal = "/dev/null";
+        if (session.terminal) {
+            screenFd_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+            if (screenFd_ < 0 || ::grantpt(screenFd_) != 0 || ::unlockpt(screenFd_) != 0)
+                std::abort();
+            terminal = ::ptsname(screenFd_);
+            resize(session.rows, session.columns);
+        }
+        if ((!session.terminal && ::pipe2(screenPipe, O_CLOEXEC) != 0) || ::pipe2(outPipe, O_CLOEXEC) != 0 ||
+            (pipeStdin && ::pipe2(inPipe, O_CLOEXEC) != 0))
+            std::abort();
+        std::vector<char *> arguments;
+        for (const auto &argument : argv)
+            arguments.push_back(const_cast<char *>(argument.c_str()));
+        arguments.push_back(nullptr);
+        // Always the terminal front end, also where a display is set.
+        environment.push_back("ORVEL_GUI_FRONTEND=terminal");
+
+        if ((pid_ = ::fork()) < 0)
+            std::abort();
+        if (pid_ == 0) {
+            // This process has one thread, so the environment may change here.
+            ::setsid();
+            const int fd = ::open(terminal.c_str(), O_RDWR); // becomes the controlling terminal
+            ::dup2(pipeStdin ? inPipe[0] : fd, STDIN_FILENO);
+            ::dup2(outPipe[1], STDOUT_FILENO);
+            ::dup2(session.terminal ? fd : screenPipe[1], STDERR_FILENO);
+            for (auto &variable : environment)
+                ::putenv(variable.data());
+            if (::chdir(directory.c_str()) != 0)
+                ::_exit(126);
+            ::signal(SIGPIPE, SIG_DFL);
+            ::execv(arguments[0], arguments.data());
+            ::_exit(127);
+        }
+        for (const int childEnd : {inPipe[0], outPipe[1], screenPipe[1]})
+            if (childEnd >= 0)
+                ::close(childEnd);
+        stdinFd_ = inPipe[1];
+        stdoutFd_ = outPipe[0];
+        screenFd_ = session.terminal ? screenFd_ : screenPipe[0];
     }
     ~DrivenProcess()
     {
         if (pid_ > 0) {
             ::kill(-pid_, SIGKILL);
             ::kill(pid_, SIGKILL);
-            int status = 0;
-            while (::waitpid(pid_, &status, 0) < 0 && errno == EINTR) {
-            }
+            ::waitpid(pid_, nullptr, 0);
         }
         for (int fd : {screenFd_, stdinFd_, stdoutFd_})
             if (fd >= 0)
@@ -65,21 +128,20 @@ public:
 
     pid_t pid() const { return pid_; }
     int terminalFd() const { return screenFd_; }
+    const std::string &screen() const { return screen_; }
+    const std::string &standardOutput() const { return stdout_; }
 
     // Resizes the terminal; the kernel sends SIGWINCH to its foreground job.
     void resize(int rows, int columns)
     {
-        winsize size{};
-        size.ws_row = static_cast<unsigned short>(rows);
-        size.ws_col = static_cast<unsigned short>(columns);
+        const winsize size{static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
         ::ioctl(screenFd_, TIOCSWINSZ, &size);
     }
 
     // Waits until `text` has been drawn after the previous match.
-    bool waitForScreen(std::string_view text, int timeoutMs = kWaitMs)
+    bool waitForScreen(std::string_view text)
     {
-        const auto deadline = now() + timeoutMs;
-        for (;;) {
+        for (const auto deadline = now() + kWaitMs;;) {
             const auto found = screen_.find(text, cursor_);
             if (found != std::string::npos) {
                 cursor_ = found + text.size();
@@ -98,18 +160,13 @@ public:
         stdinFd_ = -1;
     }
 
-    // The exit status (128 + N after signal N), or -1 when the process did
-    // not end in time (it is killed then).
-    int waitExit(int timeoutMs = kWaitMs)
+    // The exit status (128 + N after signal N), or -1 when the process did not
+    // end in time (it is killed then).
+    int waitExit()
     {
-        const auto deadline = now() + timeoutMs;
-        for (;;) {
+        for (const auto deadline = now() + kWaitMs;; pump(20)) {
             int status = 0;
-            pid_t done = 0;
-            do {
-                done = ::waitpid(pid_, &status, WNOHANG);
-            } while (done < 0 && errno == EINTR);
-            if (done == pid_) {
+            if (::waitpid(pid_, &status, WNOHANG) == pid_) {
                 pid_ = -1;
                 while (pump(100)) {
                 }
@@ -119,31 +176,22 @@ public:
                 ::kill(-pid_, SIGKILL);
                 return -1;
             }
-            pump(20);
         }
     }
 
-    const std::string &screen() const { return screen_; }
-    const std::string &standardOutput() const { return stdout_; }
-
 private:
+    static constexpr int kWaitMs = 20000;
+
     static long long now()
     {
-        return std::chrono::duration_cast<std::chrono::milliseconds>(
-                   std::chrono::steady_clock::now().time_since_epoch())
-            .count();
+        using namespace std::chrono;
+        return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
     }
 
     static void writeAll(int fd, std::string_view bytes)
     {
-        while (!bytes.empty()) {
-            const ssize_t n = ::write(fd, bytes.data(), bytes.size());
-            if (n < 0 && errno == EINTR)
-                continue;
-            if (n <= 0)
-                return;
+        for (ssize_t n; !bytes.empty() && (n = ::write(fd, bytes.data(), bytes.size())) > 0;)
             bytes.remove_prefix(static_cast<std::size_t>(n));
-        }
     }
 
     // Reads what is there within `timeoutMs`; false when nothing is left open.
@@ -152,10 +200,7 @@ private:
         pollfd fds[2] = {{screenOpen_ ? screenFd_ : -1, POLLIN, 0}, {stdoutFd_, POLLIN, 0}};
         if (fds[0].fd < 0 && fds[1].fd < 0)
             return false;
-        int ready = 0;
-        do {
-            ready = ::poll(fds, 2, timeoutMs);
-        } while (ready < 0 && errno == EINTR);
+        const int ready = ::poll(fds, 2, timeoutMs);
         if (ready <= 0)
             return ready == 0 && pid_ > 0;
         screenOpen_ = readInto(fds[0], screen_) && screenOpen_;
@@ -173,104 +218,73 @@ private:
         if (entry.fd < 0 || entry.revents == 0)
             return true;
         char buffer[4096];
-        ssize_t n = 0;
-        do {
-            n = ::read(entry.fd, buffer, sizeof buffer);
-        } while (n < 0 && errno == EINTR);
-        if (n <= 0)
-            return false;
-        out.append(buffer, static_cast<std::size_t>(n));
-        return true;
-    }
-
-    void start(const ProcessOptions &options)
-    {
-        int inPipe[2] = {-1, -1};
-        int outPipe[2] = {-1, -1};
-        int screenPipe[2] = {-1, -1};
-        std::string slaveName;
-        if (options.terminal) {
-            screenFd_ = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
-            if (screenFd_ < 0 || ::grantpt(screenFd_) != 0 || ::unlockpt(screenFd_) != 0)
-                std::abort();
-            slaveName = ::ptsname(screenFd_);
-            winsize size{};
-            size.ws_row = static_cast<unsigned short>(options.rows);
-            size.ws_col = static_cast<unsigned short>(options.columns);
-            ::ioctl(screenFd_, TIOCSWINSZ, &size);
-        } else if (::pipe2(screenPipe, O_CLOEXEC) != 0) {
-            std::abort();
-        }
-        if ((options.pipeStdin && ::pipe2(inPipe, O_CLOEXEC) != 0) ||
-            (options.pipeStdout && ::pipe2(outPipe, O_CLOEXEC) != 0))
-            std::abort();
-
-        std::vector<char *> argv;
-        for (const auto &argument : options.argv)
-            argv.push_back(const_cast<char *>(argument.c_str()));
-        argv.push_back(nullptr);
-        // Always the terminal front end, also where a display is set.
-        std::vector<std::string> environment = {"ORVEL_GUI_FRONTEND=terminal"};
-        environment.insert(environment.end(), options.environment.begin(), options.environment.end());
-        for (char **entry = environ; *entry; ++entry) {
-            const std::string_view text(*entry);
-            const auto overridden = [&](const std::string &e) {
-                return text.substr(0, text.find('=') + 1) == std::string_view(e).substr(0, e.find('=') + 1);
-            };
-            if (std::none_of(environment.begin(), environment.end(), overridden))
-                environment.emplace_back(text);
-        }
-        std::vector<char *> envp;
-        for (auto &entry : environment)
-            envp.push_back(entry.data());
-        envp.push_back(nullptr);
-        const char *directory = options.workingDirectory.empty() ? nullptr : options.workingDirectory.c_str();
-
-        pid_ = ::fork();
-        if (pid_ < 0)
-            std::abort();
-        if (pid_ == 0) {
-            // Only async-signal-safe calls from here to exec.
-            ::setsid();
-            int terminal = -1;
-            if (options.terminal) {
-                terminal = ::open(slaveName.c_str(), O_RDWR); // becomes the controlling terminal
-            } else {
-                terminal = ::open("/dev/null", O_RDWR);
-                ::dup2(screenPipe[1], STDERR_FILENO);
-            }
-            ::dup2(options.pipeStdin ? inPipe[0] : terminal, STDIN_FILENO);
-            ::dup2(options.pipeStdout ? outPipe[1] : terminal, STDOUT_FILENO);
-            if (options.terminal)
-                ::dup2(terminal, STDERR_FILENO);
-            if (directory && ::chdir(directory) != 0)
-                ::_exit(126);
-            ::signal(SIGPIPE, SIG_DFL);
-            ::execve(argv[0], argv.data(), envp.data());
-            ::_exit(127);
-        }
-        if (!options.terminal) {
-            screenFd_ = screenPipe[0];
-            ::close(screenPipe[1]);
-        }
-        if (options.pipeStdin) {
-            stdinFd_ = inPipe[1];
-            ::close(inPipe[0]);
-        }
-        if (options.pipeStdout) {
-            stdoutFd_ = outPipe[0];
-            ::close(outPipe[1]);
-        }
+        const ssize_t n = ::read(entry.fd, buffer, sizeof buffer);
+        if (n > 0)
+            out.append(buffer, static_cast<std::size_t>(n));
+        return n > 0;
     }
 
     pid_t pid_ = -1;
-    int screenFd_ = -1;
+    int screenFd_ = -1, stdinFd_ = -1, stdoutFd_ = -1;
     bool screenOpen_ = true;
-    int stdinFd_ = -1;
-    int stdoutFd_ = -1;
-    std::string screen_;
-    std::string stdout_;
+    std::string screen_, stdout_;
     std::size_t cursor_ = 0;
 };
+
+// Runs `program` with the session's arguments in a new working folder of its
+// own ("{dir}" in any text), takes the steps and checks what they must show.
+// Standard input is a pipe for `pipeStdin` or where a step writes to it.
+inline void play(const std::string &program, const Session &session, bool pipeStdin)
+{
+    const TempFolder folder;
+    const auto expand = [&](std::string text) {
+        for (size_t at; (at = text.find("{dir}")) != std::string::npos;)
+            text.replace(at, 5, folder.path);
+        return text;
+    };
+    for (const auto &[name, bytes] : session.files)
+        writeFile(folder / name, bytes);
+    std::vector<std::string> argv = {program}, environment;
+    for (const auto &argument : session.arguments)
+        argv.push_back(expand(argument));
+    for (const auto &variable : session.environment)
+        environment.push_back(expand(variable));
+    for (const std::string &step : session.steps)
+        pipeStdin = pipeStdin || step[0] == '<' || step[0] == '.';
+    DrivenProcess p(argv, session, pipeStdin, environment, folder.path);
+    for (const std::string &step : session.steps) {
+        const std::string text = expand(step.substr(1)), &out = p.standardOutput();
+        const int number = std::atoi(text.c_str());
+        termios mode{};
+        switch (step[0]) {
+        case '?':
+            if (!p.waitForScreen(text))
+                FAIL() << "never drawn: " << text << "\nscreen:\n" << p.screen();
+            break;
+        case '!': p.sendKeys(text); break;
+        case '<': p.writeStdin(text); break;
+        case '.': p.closeStdin(); break;
+        case '#': p.resize(number, std::atoi(text.substr(text.find(',') + 1).c_str())); break;
+        case '~': ::kill(p.pid(), number); break;
+        case '=': EXPECT_EQ(p.waitExit(), number) << out << p.screen(); break;
+        case '>': EXPECT_EQ(out, text); break;
+        case '^': EXPECT_EQ(out.rfind(text, 0), 0u) << out; break;
+        case '+': EXPECT_NE((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
+        case '-': EXPECT_EQ((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
+        case '@': EXPECT_NE(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
+        case '%': EXPECT_EQ(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
+        case '*':
+            ASSERT_EQ(::tcgetattr(p.terminalFd(), &mode), 0);
+            if (text == "raw") {
+                EXPECT_EQ(mode.c_lflag & (ICANON | ECHO), 0u);
+                break;
+            }
+            EXPECT_EQ(mode.c_lflag & (ICANON | ECHO | ISIG), static_cast<tcflag_t>(ICANON | ECHO | ISIG));
+            EXPECT_NE(p.screen().find("\x1b[?1049l"), std::string::npos);
+            break;
+        default: FAIL() << "no such step: " << step;
+        }
+    }
+}
 
 } // namespace OrvelTest

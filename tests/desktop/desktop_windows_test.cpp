@@ -1,5 +1,5 @@
-// The desktop windows, offscreen: each built from a request, answered with
-// keys through the front end, and the outcome and answer checked.
+// The desktop windows, offscreen: each built from a request, answered with keys
+// through the front end, and the outcome and answer checked.
 #include "desktop/DesktopFrontEnd.hpp"
 #include "desktop/FileChooserWindow.hpp"
 #include "desktop/HostWatch.hpp"
@@ -11,34 +11,27 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QTableView>
 #include <QTimer>
 #include <QtTest>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <functional>
 
 using namespace OrvelGui;
 Q_DECLARE_METATYPE(OrvelGui::Outcome)
+Q_DECLARE_METATYPE(OrvelGui::Window)
 
 namespace {
 
 // A key script: plain keys, or text typed into whatever has the focus.
 struct Key {
-    Key(Qt::Key k = Qt::Key_unknown, Qt::KeyboardModifiers m = Qt::NoModifier) : key(k), modifiers(m) {}
+    Key(Qt::Key k = Qt::Key_unknown) : key(k) {}
+    Key(const char *typed) : key(Qt::Key_unknown), text(typed) {}
     Qt::Key key;
     QString text;
-    Qt::KeyboardModifiers modifiers;
 };
 using Keys = QList<Key>;
-Key type(const QString &text)
-{
-    Key key;
-    key.text = text;
-    return key;
-}
 
 // Sends the keys to the modal window once it is up, then runs `show`.
 Outcome answerWith(const Keys &keys, const std::function<Outcome()> &show)
@@ -52,29 +45,31 @@ Outcome answerWith(const Keys &keys, const std::function<Outcome()> &show)
             if (!key.text.isEmpty())
                 QTest::keyClicks(target, key.text);
             else
-                QTest::keyClick(target, key.key, key.modifiers);
+                QTest::keyClick(target, key.key);
         }
     });
     return show();
 }
 
-Request request(Window window)
+// A request for `window`, with what any window needs: three certificates, the
+// first preselected, the data to sign as text with formatted text beside it.
+Request request(Window window, unsigned preselected = 0)
 {
     Request r;
     r.window = window;
     r.language = Language::English;
     r.message = "Sign the document?";
-    return r;
-}
-
-Request withCertificates(Window window)
-{
-    Request r = request(window);
+    r.icon = 2;
+    r.button = static_cast<int>(preselected);
+    r.selected = preselected;
+    r.certificate = "\x01\x02 no certificate";
     for (const char *subject : {"CN = Jiří Novák", "CN = Eliška Svobodová", "CN = Ľubomír Kráľ"})
         r.certificates.push_back({"not a certificate", subject, "2027-01-01", "2026-12-01", 30, false, true});
     r.version = "5.2";
     r.hashAlg = "SHA-256";
     r.hashVal = "00ff";
+    r.data = "Pay 100 EUR";
+    r.rtf = std::string("{\\rtf1\\ansi\\ansicpg1250 {\\fonttbl{\\f0 Arial;}}\\f0 Zaplat\\'ed 100 EUR\\par}");
     return r;
 }
 
@@ -87,9 +82,20 @@ class DesktopWindowsTest : public QObject {
 
     int hostEnd_ = -1;
 
+    Outcome show(const Request &r, Answer &answer)
+    {
+        switch (r.window) {
+        case Window::YesNoDialog: return frontEnd_.askYesNo(r, answer);
+        case Window::CertificateSelect: return frontEnd_.selectCertificate(r, answer);
+        case Window::SignatureConfirm: return frontEnd_.confirmSignature(r, answer);
+        case Window::DisplayCert: return frontEnd_.showCertificate(r);
+        default: return frontEnd_.showMessage(r);
+        }
+    }
+
 private slots:
-    // Standard input as the library leaves it: a pipe whose other end the
-    // host holds while the dialog runs.
+    // Standard input as the library leaves it: a pipe whose other end the host
+    // holds while the dialog runs.
     void initTestCase()
     {
         int fds[2];
@@ -100,73 +106,57 @@ private slots:
     }
     void cleanupTestCase() { ::close(hostEnd_); }
 
-    void yesNo_data()
+    // The answer's fields are checked for the windows that give them: `yes`,
+    // `selected` (-1: any), `confirmed`.
+    void windowsAnswerTheirKeys_data()
     {
-        QTest::addColumn<int>("button");
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<Outcome>("outcome");
-        QTest::addColumn<bool>("yes");
-        QTest::newRow("Enter takes the default yes") << 0 << Keys{{Qt::Key_Return}} << Outcome::Answered << true;
-        QTest::newRow("Enter takes the default no") << 1 << Keys{{Qt::Key_Return}} << Outcome::Answered << false;
-        QTest::newRow("Tab then Space presses no") << 0 << Keys{{Qt::Key_Tab}, {Qt::Key_Space}} << Outcome::Answered
-                                                   << false;
-        QTest::newRow("Escape backs out") << 0 << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << false;
-    }
-    void yesNo()
-    {
-        QFETCH(int, button);
-        QFETCH(Keys, keys);
-        Request r = request(Window::YesNoDialog);
-        r.button = button;
-        Answer answer;
-        QFETCH(Outcome, outcome);
-        QCOMPARE(answerWith(keys, [&] { return frontEnd_.askYesNo(r, answer); }), outcome);
-        QFETCH(bool, yes);
-        QCOMPARE(answer.yes, yes);
-    }
-
-    void messageAndCertificateCloseAsAnswered_data()
-    {
-        QTest::addColumn<Keys>("keys");
-        QTest::newRow("Enter") << Keys{{Qt::Key_Return}};
-        QTest::newRow("Escape") << Keys{{Qt::Key_Escape}};
-    }
-    void messageAndCertificateCloseAsAnswered()
-    {
-        QFETCH(Keys, keys);
-        Request r = request(Window::MessageBox);
-        r.icon = 2;
-        QCOMPARE(answerWith(keys, [&] { return frontEnd_.showMessage(r); }), Outcome::Answered);
-        r.window = Window::DisplayCert;
-        r.certificate = "\x01\x02 no certificate";
-        QCOMPARE(answerWith(keys, [&] { return frontEnd_.showCertificate(r); }), Outcome::Answered);
-    }
-
-    void selectCertificate_data()
-    {
+        QTest::addColumn<Window>("window");
         QTest::addColumn<unsigned>("preselected");
         QTest::addColumn<Keys>("keys");
         QTest::addColumn<Outcome>("outcome");
-        QTest::addColumn<unsigned>("selected");
-        QTest::newRow("Enter keeps the preselected") << 2u << Keys{{Qt::Key_Return}} << Outcome::Answered << 2u;
-        QTest::newRow("arrow then Enter") << 0u << Keys{{Qt::Key_Down}, {Qt::Key_Return}} << Outcome::Answered << 1u;
-        QTest::newRow("filter narrows to one row")
-            << 0u << Keys{{Qt::Key_Backtab}, type("svob"), {Qt::Key_Return}} << Outcome::Answered << 1u;
-        QTest::newRow("filter ignores case")
-            << 2u << Keys{{Qt::Key_Backtab}, type("NOV"), {Qt::Key_Return}} << Outcome::Answered << 0u;
-        QTest::newRow("Escape backs out") << 1u << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << 0u;
+        QTest::addColumn<bool>("yes");
+        QTest::addColumn<int>("selected");
+        const auto row = [](const char *name, Window window, unsigned preselected, const Keys &keys, Outcome outcome,
+                            bool yes = false, int selected = 0) {
+            QTest::newRow(name) << window << preselected << keys << outcome << yes << selected;
+        };
+        const Outcome answered = Outcome::Answered, cancelled = Outcome::Cancelled;
+        row("yes/no: Enter takes the default yes", Window::YesNoDialog, 0, {{Qt::Key_Return}}, answered, true);
+        row("yes/no: Enter takes the default no", Window::YesNoDialog, 1, {{Qt::Key_Return}}, answered, false);
+        row("yes/no: Tab then Space presses no", Window::YesNoDialog, 0, {{Qt::Key_Tab}, {Qt::Key_Space}}, answered);
+        row("yes/no: Escape backs out", Window::YesNoDialog, 0, {{Qt::Key_Escape}}, cancelled);
+        // Windows that only show something close as answered either way.
+        row("message: Enter", Window::MessageBox, 0, {{Qt::Key_Return}}, answered);
+        row("message: Escape", Window::MessageBox, 0, {{Qt::Key_Escape}}, answered);
+        row("certificate: Enter", Window::DisplayCert, 0, {{Qt::Key_Return}}, answered);
+        row("certificate: Escape", Window::DisplayCert, 0, {{Qt::Key_Escape}}, answered);
+        row("select: Enter keeps the preselected", Window::CertificateSelect, 2, {{Qt::Key_Return}}, answered, false, 2);
+        row("select: arrow then Enter", Window::CertificateSelect, 0, {{Qt::Key_Down}, {Qt::Key_Return}}, answered,
+            false, 1);
+        row("select: filter narrows to one row", Window::CertificateSelect, 0,
+            {{Qt::Key_Backtab}, "svob", {Qt::Key_Return}}, answered, false, 1);
+        row("select: filter ignores case", Window::CertificateSelect, 2, {{Qt::Key_Backtab}, "NOV", {Qt::Key_Return}},
+            answered, false, 0);
+        row("select: Escape backs out", Window::CertificateSelect, 1, {{Qt::Key_Escape}}, cancelled, false, 0);
+        // Enter declines: the signature is never the default.
+        row("signature: Enter declines", Window::SignatureConfirm, 2, {{Qt::Key_Return}}, answered, false, 2);
+        row("signature: Escape backs out", Window::SignatureConfirm, 2, {{Qt::Key_Escape}}, cancelled, false, -1);
     }
-    void selectCertificate()
+    void windowsAnswerTheirKeys()
     {
+        QFETCH(Window, window);
         QFETCH(unsigned, preselected);
         QFETCH(Keys, keys);
-        Request r = withCertificates(Window::CertificateSelect);
-        r.selected = preselected;
+        const Request r = request(window, preselected);
         Answer answer;
         QFETCH(Outcome, outcome);
-        QCOMPARE(answerWith(keys, [&] { return frontEnd_.selectCertificate(r, answer); }), outcome);
-        QFETCH(unsigned, selected);
-        QCOMPARE(answer.selected, selected);
+        QCOMPARE(answerWith(keys, [&] { return show(r, answer); }), outcome);
+        QFETCH(bool, yes);
+        QCOMPARE(answer.yes, yes);
+        QFETCH(int, selected);
+        if (selected >= 0)
+            QCOMPARE(answer.selected, unsigned(selected));
+        QVERIFY(!answer.confirmed);
     }
 
     void signatureNeverSignsUnread_data()
@@ -181,8 +171,9 @@ private slots:
     void signatureNeverSignsUnread()
     {
         QFETCH(QByteArray, data);
-        Request r = withCertificates(Window::SignatureConfirm);
+        Request r = request(Window::SignatureConfirm);
         r.data = data.toStdString();
+        r.rtf.reset();
         SignatureConfirmWindow window(r);
         window.show();
         QVERIFY(QTest::qWaitForWindowExposed(&window));
@@ -199,33 +190,9 @@ private slots:
         QVERIFY(!window.confirmed());
     }
 
-    void signatureAnswers_data()
-    {
-        QTest::addColumn<Keys>("keys");
-        QTest::addColumn<Outcome>("outcome");
-        QTest::addColumn<bool>("confirmed");
-        QTest::newRow("Enter declines") << Keys{{Qt::Key_Return}} << Outcome::Answered << false;
-        QTest::newRow("Escape backs out") << Keys{{Qt::Key_Escape}} << Outcome::Cancelled << false;
-    }
-    void signatureAnswers()
-    {
-        QFETCH(Keys, keys);
-        Request r = withCertificates(Window::SignatureConfirm);
-        r.selected = 2;
-        r.data = "Pay 100 EUR";
-        r.rtf = std::string("{\\rtf1\\ansi\\ansicpg1250 {\\fonttbl{\\f0 Arial;}}\\f0 Zaplat\\'ed 100 EUR\\par}");
-        Answer answer;
-        QFETCH(Outcome, outcome);
-        QCOMPARE(answerWith(keys, [&] { return frontEnd_.confirmSignature(r, answer); }), outcome);
-        QFETCH(bool, confirmed);
-        QCOMPARE(answer.confirmed, confirmed);
-        if (answer.confirmed || QTest::currentDataTag() == QByteArray("Enter declines"))
-            QCOMPARE(answer.selected, 2u);
-    }
-
     void formattedTextLosesItsMarkup()
     {
-        Request r = withCertificates(Window::SignatureConfirm);
+        Request r = request(Window::SignatureConfirm);
         r.rtf = std::string("{\\rtf1\\ansi\\ansicpg1250 {\\fonttbl{\\f0 Arial;}}\\f0\\b Zaplat\\'ed\\b0  100 \\u8364?\\par}");
         SignatureConfirmWindow window(r);
         QCOMPARE(window.textViews().back()->toPlainText(), QString::fromUtf8("Zaplatí 100 €"));
@@ -236,7 +203,7 @@ private slots:
         Request r = request(Window::SelectPKCS12);
         r.fileName = ORVEL_SOURCE_DIR "/tests/data/carol.p12";
         Answer answer;
-        const Outcome outcome = answerWith({type("wrong"), {Qt::Key_Return}}, [&] {
+        const Outcome outcome = answerWith({"wrong", {Qt::Key_Return}}, [&] {
             QTimer::singleShot(50, [] {
                 auto *window = qobject_cast<Pkcs12Window *>(QApplication::activeModalWidget());
                 QVERIFY(window && window->problem()->isVisible());
@@ -329,7 +296,7 @@ private slots:
         ::close(fds[0]);
         ::close(fds[1]); // the host is gone
         Answer answer;
-        Request r = withCertificates(Window::YesNoDialog);
+        const Request r = request(Window::YesNoDialog);
         QCOMPARE(frontEnd_.askYesNo(r, answer), Outcome::Cancelled);
         QCOMPARE(frontEnd_.showMessage(r), Outcome::Cancelled);
         QCOMPARE(frontEnd_.selectCertificate(r, answer), Outcome::Cancelled);

@@ -9,11 +9,7 @@ for program in Xvfb xdotool; do
 done
 work=$(mktemp -d)
 server=
-cleanup() {
-  [ -n "$server" ] && kill "$server" 2>/dev/null
-  rm -rf "$work"
-}
-trap cleanup EXIT
+trap '[ -n "$server" ] && kill "$server" 2>/dev/null; rm -rf "$work"' EXIT
 
 mkfifo "$work/display"
 Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>"$work/xvfb.log" &
@@ -31,9 +27,7 @@ answer() {
   "$tool" --lang en yesno --message "Sign the document?" --button yes >"$work/out" 2>"$work/err" &
   local host=$! id status
   id=$(window "^Question")
-  if [ -z "$id" ]; then
-    echo "FAILED: no yes/no window appeared"; cat "$work/err"; kill "$host"; failed=1; return
-  fi
+  [ -n "$id" ] || { echo "FAILED: no yes/no window appeared"; cat "$work/err"; kill "$host"; failed=1; return; }
   # Keys go to the focused window: wait until ours has the focus (there is
   # no window manager to give it) before typing.
   for _ in $(seq 1 50); do
@@ -46,9 +40,7 @@ answer() {
   wait "$host"
   status=$?
   if [ "$(cat "$work/out")" != "$2" ] || [ "$status" -ne "$3" ]; then
-    echo "FAILED: keys '$1' gave '$(cat "$work/out")' with status $status, not '$2' with $3"
-    cat "$work/err"
-    failed=1
+    echo "FAILED: keys '$1' gave '$(cat "$work/out")' with status $status, not '$2' with $3"; cat "$work/err"; failed=1
   else
     echo "ok: keys '$1' -> '$2', status $3"
   fi
@@ -68,10 +60,10 @@ for _ in $(seq 1 100); do
   xdotool search --onlyvisible --name "^Question" >/dev/null 2>&1 || { gone=1; break; }
   sleep 0.1
 done
-if [ -z "$id" ] || [ "$gone" -ne 1 ]; then
-  echo "FAILED: the window outlived its killed host"; failed=1
-else
+if [ -n "$id" ] && [ "$gone" -eq 1 ]; then
   echo "ok: the window closed when its host was killed"
+else
+  echo "FAILED: the window outlived its killed host"; failed=1
 fi
 
 [ "$failed" -eq 0 ] && echo "desktop end to end: all passed"

@@ -1,21 +1,25 @@
-// The platform layer's pieces that the public interface cannot reach alone:
-// strict UTF-8, bundle lookup, the argument list and reply tokens.
+// The library's inner parts that the public interface cannot reach alone:
+// strict UTF-8, bundle lookup, the argument list, reply tokens and numbers,
+// room for large buffers, and the fuzzers' stand-in for the GUI application.
+#include <OrvelGUIDialogs/OrvelDialogs.hpp>
+
 #include "dialogs/DialogExchange.hpp"
 #include "launcher/ArgumentList.hpp"
+#include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
+#include "launcher/ScriptedChild.hpp"
 #include "platform/Bundle.hpp"
 #include "platform/HostText.hpp"
 #include "platform/PlatformException.hpp"
+#include "util/LargeBuffer.hpp"
 
-#include "support/TempDir.hpp"
+#include "support/Host.hpp"
 
 #include <gtest/gtest.h>
 
 #include <plist/plist.h>
 
-#include <sys/stat.h>
-
-#include <fstream>
+#include <filesystem>
 #include <limits>
 
 namespace {
@@ -24,59 +28,25 @@ using OrvelDialogs::Platform::PlatformException;
 
 TEST(HostText, AcceptsOnlyStrictUtf8)
 {
-    struct Case {
-        std::string bytes;
-        bool valid;
-    };
-    const Case cases[] = {
-        {"", true},
-        {"plain ASCII", true},
-        {"\xC5\xBD" "lu\xC5\xA5ou\xC4\x8Dk\xC3\xBD", true},
-        {"\xF0\x9F\x94\x91", true},          // U+1F511
-        {"\xF4\x8F\xBF\xBF", true},          // U+10FFFF
-        {"\xEF\xBF\xBD", true},              // U+FFFD
-        {"\xC3\x28", false},                 // bad continuation
-        {"\xC3", false},                     // cut short
-        {"\xE2\x82", false},                 // cut short
-        {"\xC0\xAF", false},                 // overlong "/"
-        {"\xE0\x80\xAF", false},             // overlong
-        {"\xF0\x80\x80\xAF", false},         // overlong
-        {"\xED\xA0\x80", false},             // surrogate U+D800
-        {"\xF4\x90\x80\x80", false},         // above U+10FFFF
-        {"\xF5\x80\x80\x80", false},
-        {"\xFF", false},
-        {"\x80", false},                     // lone continuation
-        {std::string("a\0b", 3), true},
-    };
-    for (const auto &c : cases)
-        EXPECT_EQ(OrvelDialogs::Platform::isValidUtf8(c.bytes), c.valid) << testing::PrintToString(c.bytes);
+    // Czech, U+1F511, U+10FFFF, U+FFFD, a zero byte inside.
+    for (const std::string &valid :
+         {std::string(), std::string("plain ASCII"), std::string("\xC5\xBD" "lu\xC5\xA5ou\xC4\x8Dk\xC3\xBD"),
+          std::string("\xF0\x9F\x94\x91"), std::string("\xF4\x8F\xBF\xBF"), std::string("\xEF\xBF\xBD"),
+          std::string("a\0b", 3)})
+        EXPECT_TRUE(OrvelDialogs::Platform::isValidUtf8(valid)) << testing::PrintToString(valid);
+    // A bad continuation, cut short twice, overlong three times, a surrogate
+    // (U+D800), above U+10FFFF twice, 0xFF, a lone continuation.
+    for (const char *invalid : {"\xC3\x28", "\xC3", "\xE2\x82", "\xC0\xAF", "\xE0\x80\xAF", "\xF0\x80\x80\xAF", "\xED\xA0\x80",
+                                "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "\x80"})
+        EXPECT_FALSE(OrvelDialogs::Platform::isValidUtf8(invalid)) << testing::PrintToString(invalid);
     EXPECT_FALSE(OrvelDialogs::Platform::textFromHost(nullptr).has_value());
     EXPECT_EQ(OrvelDialogs::Platform::textReplacingInvalidUtf8("a\xC3\x28" "b\xF0\x9F"), "a\xEF\xBF\xBD(b\xEF\xBF\xBD\xEF\xBF\xBD");
 }
 
 class Bundles : public testing::Test {
 protected:
-    void SetUp() override { root_ = OrvelTest::makeTempDir(); }
-    void TearDown() override { OrvelTest::removeTree(root_); }
-
-    std::string path(const std::string &relative) const { return root_ + "/" + relative; }
-    void makeDirs(const std::string &relative) const
-    {
-        std::string current = root_;
-        size_t start = 0;
-        while (start < relative.size()) {
-            const size_t slash = relative.find('/', start);
-            current += "/" + relative.substr(start, slash == std::string::npos ? std::string::npos : slash - start);
-            mkdir(current.c_str(), 0755);
-            if (slash == std::string::npos)
-                break;
-            start = slash + 1;
-        }
-    }
-    void writeFile(const std::string &relative, const std::string &bytes) const
-    {
-        std::ofstream(path(relative), std::ios::binary) << bytes;
-    }
+    std::string path(const std::string &relative) const { return root_ / relative; }
+    void writeFile(const std::string &relative, const std::string &bytes) const { OrvelTest::writeFile(path(relative), bytes); }
     void writeInfoPlist(const std::string &relative, const std::string &executable, bool binary) const
     {
         plist_t dict = plist_new_dict();
@@ -89,28 +59,20 @@ protected:
         plist_free(dict);
     }
 
-    std::string root_;
+    const OrvelTest::TempFolder root_;
 };
 
 TEST_F(Bundles, FindTheExecutableInEitherLayout)
 {
-    makeDirs("Mac.app/Contents/MacOS");
     writeInfoPlist("Mac.app/Contents/Info.plist", "Runner", false);
     writeFile("Mac.app/Contents/MacOS/Runner", "");
-    makeDirs("Flat.app");
     writeInfoPlist("Flat.app/Info.plist", "flat-runner", true);
     writeFile("Flat.app/flat-runner", "");
-    makeDirs("Bare.app/Contents/MacOS");
     writeFile("Bare.app/Contents/MacOS/Bare", "");
-    makeDirs("Plain");
     writeFile("Plain/Plain", "");
-
     const std::pair<std::string, std::string> found[] = {
-        {"Mac.app", "Mac.app/Contents/MacOS/Runner"},
-        {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
-        {"Flat.app", "Flat.app/flat-runner"},
-        {"Bare.app", "Bare.app/Contents/MacOS/Bare"},
-        {"Plain", "Plain/Plain"},
+        {"Mac.app", "Mac.app/Contents/MacOS/Runner"}, {"Mac.app/", "Mac.app/Contents/MacOS/Runner"},
+        {"Flat.app", "Flat.app/flat-runner"}, {"Bare.app", "Bare.app/Contents/MacOS/Bare"}, {"Plain", "Plain/Plain"},
     };
     for (const auto &[bundle, executable] : found)
         EXPECT_EQ(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)), path(executable)) << bundle;
@@ -118,14 +80,12 @@ TEST_F(Bundles, FindTheExecutableInEitherLayout)
 
 TEST_F(Bundles, NothingForWhatIsNoBundleWithAnExecutable)
 {
-    makeDirs("Missing.app/Contents");
     writeInfoPlist("Missing.app/Contents/Info.plist", "Gone", false);
-    makeDirs("Escape.app/Contents/MacOS");
     writeInfoPlist("Escape.app/Contents/Info.plist", "../../../bin/sh", false);
-    makeDirs("Broken.app/Contents/MacOS");
+    std::filesystem::create_directories(path("Escape.app/Contents/MacOS"));
     writeFile("Broken.app/Contents/Info.plist", "not a property list");
     writeFile("Broken.app/Contents/MacOS/Broken", "");
-    makeDirs("Empty.app");
+    std::filesystem::create_directories(path("Empty.app"));
     writeFile("file.app", "");
     for (const std::string bundle : {"Missing.app", "Escape.app", "Broken.app", "Empty.app", "file.app", "nowhere.app"})
         EXPECT_FALSE(OrvelDialogs::Platform::bundleExecutablePath(path(bundle)).has_value()) << bundle;
@@ -175,6 +135,78 @@ TEST(IntegerValue, ReadsLikeThePlatformsIntegerValue)
     };
     for (const auto &[text, value] : cases)
         EXPECT_EQ(integerValue(text), value) << text;
+}
+
+// Room for large buffers, and the reply's room kept across dialogs.
+using OrvelDialogs::LargeBuffer::kLargeBytes;
+
+std::string pattern(size_t size, char seed)
+{
+    std::string bytes(size, '\0');
+    for (size_t i = 0; i < size; ++i)
+        bytes[i] = static_cast<char>(seed + i * 7);
+    return bytes;
+}
+
+TEST(LargeBuffer, ExtendsKeepingTheContentsAcrossSmallAndHugeRoom)
+{
+    std::string text = "start";
+    std::string expected = text;
+    // Each step crosses from small room into huge-page room or grows it.
+    for (const size_t added : {size_t{10}, kLargeBytes - 100, size_t{1}, 3 * kLargeBytes + 5, size_t{0}}) {
+        const size_t oldCapacity = text.capacity();
+        const std::string more = pattern(added, static_cast<char>(added));
+        char *at = OrvelDialogs::LargeBuffer::extendUninitialized(text, text.size() + added);
+        ASSERT_EQ(at, text.data() + expected.size());
+        std::copy(more.begin(), more.end(), at);
+        expected += more;
+        ASSERT_EQ(text, expected);
+        if (text.capacity() != oldCapacity) {
+            EXPECT_GE(text.capacity(), 2 * oldCapacity) << "room grows geometrically";
+        }
+    }
+    const std::string before = text;
+    OrvelDialogs::LargeBuffer::reserve(text, text.size() + 10 * kLargeBytes);
+    EXPECT_GE(text.capacity(), before.size() + 10 * kLargeBytes);
+    EXPECT_EQ(text, before);
+}
+
+TEST(ReplyBuffer, KeepsALargeReplysRoomUntilEightDialogsHadNone)
+{
+    std::string reply = OrvelDialogs::Launcher::takeReplyBuffer();
+    EXPECT_EQ(reply.capacity(), std::string().capacity());
+    reply = pattern(2 * kLargeBytes, 'a');
+    const size_t room = reply.capacity();
+    OrvelDialogs::Launcher::keepReplyBuffer(std::move(reply));
+
+    for (int dialog = 1; dialog <= 9; ++dialog) {
+        std::string next = OrvelDialogs::Launcher::takeReplyBuffer();
+        EXPECT_TRUE(next.empty());
+        if (dialog <= 8) {
+            EXPECT_EQ(next.capacity(), room) << "dialog " << dialog;
+        } else {
+            EXPECT_LT(next.capacity(), room) << "released after eight dialogs without a large reply";
+        }
+        next = "small reply";
+        OrvelDialogs::Launcher::keepReplyBuffer(std::move(next));
+    }
+}
+
+// The fuzzers' stand-in for the GUI application drives the same reply
+// handling as a real child.
+TEST(ScriptedChild, StandsInForTheGuiApplication)
+{
+    const OrvelDialogs::Launcher::ScriptedChild child{0, "YesNoDialog no -log aGVsbG8="};
+    OrvelDialogs::Launcher::setScriptedChild(&child);
+    ORV_SetAppPath("/no/bundle/needed");
+    bool answer = true;
+    EXPECT_EQ(ORV_YesNoDialog("Q", nullptr, 0, &answer), 0);
+    EXPECT_FALSE(answer);
+    EXPECT_EQ(OrvelTest::logText(), "log z GUI aplikace: hello \n\n");
+    const OrvelDialogs::Launcher::ScriptedChild failing{12, ""};
+    OrvelDialogs::Launcher::setScriptedChild(&failing);
+    EXPECT_EQ(ORV_YesNoDialog("Q", nullptr, 0, &answer), 7);
+    OrvelDialogs::Launcher::setScriptedChild(nullptr);
 }
 
 } // namespace
