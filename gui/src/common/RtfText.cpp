@@ -4,6 +4,8 @@
 
 #include <cctype>
 #include <cstdlib>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace OrvelGui {
@@ -76,6 +78,32 @@ bool isSkippedDestination(const std::string &word)
         if (word == skipped)
             return true;
     return false;
+}
+
+// What a control word that stands for text (a break, a dash, a quote)
+// stands for, in UTF-8; nothing for every other word.
+const char *textOfControlWord(std::string_view word)
+{
+    static constexpr std::pair<std::string_view, const char *> kTexts[] = {
+        {"par", "\n"},
+        {"line", "\n"},
+        {"sect", "\n"},
+        {"page", "\n"},
+        {"row", "\n"},
+        {"tab", "\t"},
+        {"cell", "\t"},
+        {"emdash", "\xE2\x80\x94"},
+        {"endash", "\xE2\x80\x93"},
+        {"bullet", "\xE2\x80\xA2"},
+        {"lquote", "\xE2\x80\x98"},
+        {"rquote", "\xE2\x80\x99"},
+        {"ldblquote", "\xE2\x80\x9C"},
+        {"rdblquote", "\xE2\x80\x9D"},
+    };
+    for (const auto &[name, text] : kTexts)
+        if (word == name)
+            return text;
+    return nullptr;
 }
 
 } // namespace
@@ -191,24 +219,8 @@ std::string rtfToPlainText(std::string_view rtf)
                 appendUtf8(out, static_cast<unsigned long>(value < 0 ? value + 65536 : value));
                 pendingSkip = groups.back().unicodeSkip;
             }
-        } else if (word == "par" || word == "line" || word == "sect" || word == "page" || word == "row") {
-            emit("\n");
-        } else if (word == "tab" || word == "cell") {
-            emit("\t");
-        } else if (word == "emdash") {
-            emit("\xE2\x80\x94");
-        } else if (word == "endash") {
-            emit("\xE2\x80\x93");
-        } else if (word == "bullet") {
-            emit("\xE2\x80\xA2");
-        } else if (word == "lquote") {
-            emit("\xE2\x80\x98");
-        } else if (word == "rquote") {
-            emit("\xE2\x80\x99");
-        } else if (word == "ldblquote") {
-            emit("\xE2\x80\x9C");
-        } else if (word == "rdblquote") {
-            emit("\xE2\x80\x9D");
+        } else if (const char *text = textOfControlWord(word)) {
+            emit(text);
         }
     }
     flush();
