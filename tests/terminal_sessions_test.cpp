@@ -105,8 +105,8 @@ std::vector<Session> guiSessions()
          true, {}, {{"bogus.p12", "-----BEGIN CERTIFICATE-----"}}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},
          {"?Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák", "?Valid until:\x1b[0m 2126-10-29",
-          "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:"
-          "8D:ED:6F:1B:ED:B7", "?Key usage:\x1b[0m digitalSignature, nonRepudiation", kEnter, "=0", "^DisplayCert -log "}},
+          "?Key usage:\x1b[0m digitalSignature, nonRepudiation", "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:"
+          "FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:8D:ED:6F:1B:ED:B7", kEnter, "=0", "^DisplayCert -log "}},
         {"CertificateDisplayShowsOtherBytes", {"-window", "DisplayCert", "-cert", base64("\x1b[2Jhello")},
          {"?Not a certificate (9 bytes):", "?1b 5b 32 4a 68 65 6c 6c 6f", kEscape, "=0"}},
         {"ReinsertCardTakesCommandsApartFromOneStream", {"-window", "ReinsertCard", "-lang", "2", "-message", "Card check"},
@@ -122,7 +122,7 @@ std::vector<Session> guiSessions()
         {"SignIsNotChoosableBeforeTheEnd", signing(clauses(15)), choose("1", "> 2. Decline", "0"), true, {}, {}, 12, 60},
         {"SignIsChoosableAtTheEnd", signing(clauses(15)), choose("\x1b[F1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         {"SignIsChoosableAfterPagingDown", signing(clauses(15)),
-         choose("\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
+         choose("\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         // Data that is no text: a hex dump under a warning, never blank.
         {"DataThatIsNoTextIsAWarnedHexDump", signing("Pay 100 \xe9UR"),
          choose("\x1b[B", "Warning: these data are not text.", "0"), true, {}, {}, 12, 60},
@@ -206,16 +206,17 @@ std::vector<Session> toolSessions()
         {"ShowCertReadsADerFile", {"show-cert", bob},
          {"?Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example", "?Key usage:\x1b[0m not restricted", kEnter, "=0"}},
         {"SelectCertPrintsTheChosenIndex", {"select-cert", "--lang", "en", "--force-days", "100000", alice, bob},
-         {"?CN = Jiří Novák | valid until 2126-", "?RENEWAL REQUIRED by 2126-", "?2. C = SK, O = Orvel Test, CN = Bob "
-          "Example", kDown, "?> 2. C = SK", kEnter, "=0", ">1\n"}},
+         {"?1. Jiří Novák | valid until 2126-", "?RENEWAL REQUIRED by 2126-", "?C = CZ, O = Orvel Test, CN = Jiří Novák",
+          "?2. Bob Example", kDown, "?> 2. Bob Example", kEnter, "=0", ">1\n"}},
         // The hash is the tool's own, of --data.
         {"ConfirmSignatureWithAnotherCertificate",
          {"confirm-signature", "--lang", "en", "--data", "Pay 100 EUR", "--rtf", "{\\rtf1 Pay}", "--sign-version", "4.2",
           alice, bob},
-         {"?Application version:\x1b[0m 4.2", "?Pay 100 EUR", "?{\\rtf1 Pay}", "?Hash algorithm:\x1b[0m SHA-256",
-          "?D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91", "?Certificate:\x1b[0m C = CZ", "!3",
-          "?> 3. Change the certificate", kEnter, "?Select a certificate", "!2", "?> 2. C = SK", kEnter,
-          "?Certificate:\x1b[0m C = SK", "!1", "?> 1. Sign", kEnter, "=0", ">confirmed 1\n"}},
+         {"?Pay 100 EUR", "?Formatted text:\x1b[0m", "?\nPay\r", "?Hash algorithm:\x1b[0m SHA-256",
+          "?D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91", "?Certificate:\x1b[0m Jiří Novák",
+          "?C = CZ, O = Orvel Test", "?Application version:\x1b[0m 4.2", "!3", "?> 3. Change the certificate", kEnter,
+          "?Select a certificate", "!2", "?> 2. Bob Example", kEnter, "?Certificate:\x1b[0m Bob Example", "!1",
+          "?> 1. Sign", kEnter, "=0", ">confirmed 1\n"}},
         // The GUI's status, passed on by the tool, not death by SIGINT.
         {"CtrlCCancelsTheDialogButNotTheHost", {"confirm-signature", "--lang", "en", "--data", "x", bob},
          {"?> 2. Decline", "!\x03", "=2", ">"}},

@@ -1,7 +1,8 @@
 #include "desktop/CertificateViewer.hpp"
 
-#include "common/CertificateText.hpp"
+#include "common/CertificateDescription.hpp"
 #include "common/SignedData.hpp"
+#include "desktop/HostText.hpp"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -15,17 +16,6 @@
 #include <ctime>
 
 namespace OrvelGui {
-namespace {
-
-QString joined(const std::vector<std::string> &parts, const char *separator)
-{
-    QStringList list;
-    for (const auto &part : parts)
-        list << qs(part);
-    return list.join(QString::fromUtf8(separator));
-}
-
-} // namespace
 
 CertificateViewer::CertificateViewer(const Request &request, const std::string &bytes, QWidget *parent)
     : DesktopWindow(request, texts(request.language).titleCertificate, parent)
@@ -40,41 +30,33 @@ CertificateViewer::CertificateViewer(const Request &request, const std::string &
         dump->setMinimumSize(640, 200);
         layout->addWidget(dump);
     } else {
-        auto *fields = new QWidget;
-        auto *form = new QFormLayout(fields);
+        const std::vector<CertificateField> fields = describeCertificate(
+            details, t, static_cast<std::int64_t>(std::time(nullptr)), NameLayout::LinePerAttribute);
+        std::size_t hidden = 0;
+        for (const CertificateField &field : fields)
+            hidden += field.value.hiddenCharacters;
+        if (QLabel *warning = hiddenCharactersWarning(t, hidden, this))
+            layout->addWidget(warning);
+        auto *content = new QWidget;
+        auto *form = new QFormLayout(content);
         form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+        form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
         const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-        const auto add = [&](const char *label, const QString &value, bool monospace = false) {
-            QLabel *shown = plainLabel(value, fields);
-            shown->setAccessibleName(qs(label));
-            shown->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-            if (monospace)
+        for (const CertificateField &field : fields) {
+            auto *shown = new HostText(field.value, content, 40);
+            shown->setAccessibleName(qs(field.label));
+            if (field.monospace)
                 shown->setFont(fixed);
-            auto *name = new QLabel(qs(label) + QLatin1Char(':'), fields);
+            auto *name = new QLabel(qs(field.label) + QLatin1Char(':'), content);
             name->setBuddy(shown);
             form->addRow(name, shown);
-        };
-        add(t.subject, joined(details.subjectParts, "\n"));
-        add(t.issuer, joined(details.issuerParts, "\n"));
-        add(t.serial, qs(details.serial), true);
-        add(t.validFrom, qs(details.notBefore));
-        add(t.validUntil, qs(details.notAfter));
-        if (const auto days = daysRemaining(details, static_cast<std::int64_t>(std::time(nullptr))))
-            add(t.daysLeft, qs(fill(t.daysRemaining, {std::to_string(*days)})));
-        add(t.publicKey, qs(details.publicKey));
-        add(t.signatureAlgorithm, qs(details.signatureAlgorithm));
-        add(t.keyUsage, details.keyUsageRestricted ? joined(details.keyUsage, ", ") : qs(t.keyUsageAny));
-        if (!details.extendedKeyUsage.empty())
-            add(t.extendedKeyUsage, joined(details.extendedKeyUsage, ", "));
-        if (!details.subjectAltNames.empty())
-            add(t.subjectAltNames, joined(details.subjectAltNames, "\n"));
-        add(t.fingerprint, qs(details.sha256), true);
-        add(t.fingerprintSha1, qs(details.sha1), true);
+        }
         auto *scroll = new QScrollArea(this);
-        scroll->setWidget(fields);
+        scroll->setWidget(content);
         scroll->setWidgetResizable(true);
         scroll->setFrameShape(QFrame::NoFrame);
-        scroll->setMinimumSize(fields->sizeHint().boundedTo(QSize(900, 560)) + QSize(24, 8));
+        scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        scroll->setMinimumSize(content->sizeHint().boundedTo(QSize(760, 560)) + QSize(24, 8));
         layout->addWidget(scroll);
     }
     addOkButton(layout);

@@ -2,6 +2,7 @@
 
 #include "common/Texts.hpp"
 #include "desktop/DesktopWindow.hpp"
+#include "desktop/HostText.hpp"
 #include "desktop/HostWatch.hpp"
 
 #include <QDir>
@@ -23,9 +24,9 @@ QStringList qtNameFilters(const std::string &filterText)
                 pattern.erase(0, 2);
             else if (pattern.starts_with("."))
                 pattern.erase(0, 1);
-            globs << QStringLiteral("*.") + qs(pattern);
+            globs << QStringLiteral("*.") + plainText(visibleText(pattern, LineBreaks::Mark));
         }
-        QString name = qs(entry.name).trimmed();
+        QString name = plainText(visibleText(entry.name, LineBreaks::Mark)).trimmed();
         if (name.isEmpty())
             name = globs.join(QLatin1Char(' '));
         filters << name + QStringLiteral(" (") + globs.join(QLatin1Char(' ')) + QLatin1Char(')');
@@ -40,21 +41,25 @@ FileChooserWindow::FileChooserWindow(const Request &request, QWidget *parent) : 
     const QString title = qs(save ? t.titleSave : t.titleOpen);
     // The message names what the file is for; a long one would not fit a
     // title bar, so its first line is used.
-    const QString message = qs(request.message).section(QLatin1Char('\n'), 0, 0).left(120);
+    const std::string firstLine = request.message.substr(0, request.message.find('\n'));
+    const QString message = plainText(visibleText(firstLine, LineBreaks::Mark)).left(120);
     setWindowTitle(message.isEmpty() ? title : message);
     setAccessibleName(title);
     setDirectory(QDir::current());
     const QStringList filters = qtNameFilters(request.fileFilter);
     if (!filterUnderstood(request.fileFilter))
         // Said where the file types are chosen; every file is shown.
-        setNameFilter(qs(fill(t.filterNotUnderstood, {request.fileFilter})) + QStringLiteral(" (*)"));
+        setNameFilter(qs(fill(t.filterNotUnderstood, {visibleText(request.fileFilter, LineBreaks::Mark).text})) +
+                      QStringLiteral(" (*)"));
     else if (!filters.isEmpty())
         setNameFilters(filters);
     if (save) {
         setAcceptMode(QFileDialog::AcceptSave);
         setFileMode(QFileDialog::AnyFile);
+        // A proposed name that holds hidden characters is offered as it is
+        // shown, markers and all: the file gets the name the user saw.
         if (!request.fileName.empty())
-            selectFile(qs(request.fileName));
+            selectFile(plainText(visibleText(request.fileName, LineBreaks::Mark)));
     } else {
         setAcceptMode(QFileDialog::AcceptOpen);
         setFileMode(QFileDialog::ExistingFile);

@@ -1,0 +1,155 @@
+#include "desktop/HostText.hpp"
+
+#include <QAbstractTextDocumentLayout>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <algorithm>
+#include <cmath>
+
+namespace OrvelGui {
+namespace {
+
+// A label wide enough that a usual sentence stays on one or two lines.
+constexpr int kPreferredWidth = 480;
+
+QString fromUtf8(std::string_view text)
+{
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QTextCharFormat markFormat()
+{
+    // Dark red on amber: no document text is drawn so, and it does not rely
+    // on the colour alone (the brackets and "U+" say what it is).
+    QTextCharFormat format;
+    format.setBackground(QColor(0xff, 0xe0, 0x8a));
+    format.setForeground(QColor(0x7a, 0x00, 0x00));
+    format.setFontWeight(QFont::Bold);
+    return format;
+}
+
+} // namespace
+
+QString plainText(const VisibleText &text)
+{
+    return fromUtf8(text.text);
+}
+
+void setVisibleText(QTextDocument *document, const VisibleText &text)
+{
+    document->clear();
+    if (text.marks.empty()) {
+        document->setPlainText(plainText(text));
+        return;
+    }
+    QTextCursor cursor(document);
+    cursor.beginEditBlock();
+    const QTextCharFormat plain;
+    const QTextCharFormat mark = markFormat();
+    forEachPiece(text, [&](std::string_view piece, bool isMark) { cursor.insertText(fromUtf8(piece), isMark ? mark : plain); });
+    cursor.endEditBlock();
+}
+
+QLabel *warningLabel(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    label->setWordWrap(true);
+    label->setStyleSheet(QStringLiteral("color: #b00000; font-weight: bold"));
+    label->setAccessibleName(text);
+    return label;
+}
+
+QLabel *hiddenCharactersWarning(const Texts &t, std::size_t count, QWidget *parent)
+{
+    if (count == 0)
+        return nullptr;
+    QLabel *label = warningLabel(QString::fromUtf8(fill(t.hiddenCharacters, {std::to_string(count)})), parent);
+    label->setObjectName(QStringLiteral("hiddenCharactersWarning"));
+    return label;
+}
+
+HostText::HostText(const VisibleText &text, QWidget *parent, int maxLines) : QTextEdit(parent), maxLines_(maxLines)
+{
+    setReadOnly(true);
+    setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    setFrameShape(QFrame::NoFrame);
+    setLineWrapMode(QTextEdit::WidgetWidth);
+    setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setTabChangesFocus(true);
+    // A label's background, not an input field's.
+    QPalette colours = palette();
+    colours.setColor(QPalette::Base, colours.color(QPalette::Window));
+    setPalette(colours);
+    document()->setDocumentMargin(1);
+    setVisibleText(document(), text);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void HostText::setText(const VisibleText &text)
+{
+    setVisibleText(document(), text);
+    updateGeometry();
+}
+
+void HostText::setFirstLineBold()
+{
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+    QTextCharFormat bold;
+    bold.setFontWeight(QFont::Bold);
+    cursor.mergeCharFormat(bold);
+}
+
+int HostText::maxHeight() const
+{
+    return maxLines_ * fontMetrics().lineSpacing() + 2 * frameWidth() + 4;
+}
+
+int HostText::heightForWidth(int width) const
+{
+    QTextDocument *text = document();
+    const qreal saved = text->textWidth();
+    text->setTextWidth(std::max(width - 2 * frameWidth(), 1));
+    const int height = static_cast<int>(std::ceil(text->size().height())) + 2 * frameWidth();
+    text->setTextWidth(saved);
+    return std::min(height, maxHeight());
+}
+
+QSize HostText::sizeHint() const
+{
+    QTextDocument *text = document();
+    const qreal saved = text->textWidth();
+    text->setTextWidth(-1);
+    const int natural = static_cast<int>(std::ceil(text->idealWidth())) + 2 * frameWidth() + 2;
+    text->setTextWidth(saved);
+    const int width = std::min(natural, kPreferredWidth);
+    return {width, heightForWidth(width)};
+}
+
+QSize HostText::minimumSizeHint() const
+{
+    return {fontMetrics().averageCharWidth() * 12, fontMetrics().lineSpacing() + 2 * frameWidth() + 2};
+}
+
+void HostText::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    // The height follows the width: a narrower window gives more lines.
+    const int wanted = heightForWidth(width());
+    if (wanted != height()) {
+        setMinimumHeight(wanted);
+        updateGeometry();
+    }
+}
+
+} // namespace OrvelGui
