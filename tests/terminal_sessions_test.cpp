@@ -7,6 +7,8 @@
 #include <OrvelGUIDialogs/Certificate.hpp>
 
 #include "support/FakeGui.hpp"
+#include "support/HostileSamples.hpp"
+#include "support/TestCertificates.hpp"
 
 namespace {
 
@@ -16,19 +18,20 @@ const std::string kGui = ORVEL_TEST_BUILD_DIR "/../gui/OrvelGUI.app/Contents/Mac
 const std::string kTool = ORVEL_TEST_BUILD_DIR "/../tools/orvel-dialogs";
 const std::string kData = ORVEL_SOURCE_DIR "/tests/data/";
 
-// The list text of the two test certificates, made by the library's encoder.
-std::string certificateList(bool forceSecond = false)
+// The list text of certificates, made by the library's encoder: by default
+// the two test certificates.
+std::string certificateList(bool forceSecond = false, std::vector<std::string> ders = {})
 {
-    std::string alice = readFile(kData + "alice.pem"), bob = readFile(kData + "bob.der"), text;
-    std::string texts[] = {"Jiří Novák", "2126-10-29", "2126-09-29", "Bob Example", "2026-12-01", "2026-11-01"};
-    const ORV_Certificate records[] = {
-        {alice.data(), static_cast<unsigned>(alice.size()), texts[0].data(), texts[1].data(), texts[2].data(), 36500,
-         false, false},
-        {bob.data(), static_cast<unsigned>(bob.size()), texts[3].data(), texts[4].data(), texts[5].data(), 3,
-         forceSecond, true}};
+    if (ders.empty())
+        ders = {readFile(kData + "alice.pem"), readFile(kData + "bob.der")};
+    std::string texts[] = {"Jiří Novák", "2126-10-29", "2126-09-29", "Bob Example", "2026-12-01", "2026-11-01"}, text;
     std::vector<Certificate> certificates;
-    for (const auto &record : records)
+    for (std::size_t i = 0; i < ders.size(); ++i) {
+        std::string *t = texts + (i ? 3 : 0);
+        const ORV_Certificate record{ders[i].data(), static_cast<unsigned>(ders[i].size()), t[0].data(), t[1].data(),
+                                     t[2].data(), i ? 3 : 36500, i && forceSecond, i > 0};
         certificates.push_back(Certificate().initWithCertificate(record));
+    }
     Certificate::encodeCertificateArrayToPropertyList(certificates, text);
     return text;
 }
@@ -162,6 +165,46 @@ TEST_P(GuiSession, Runs)
 }
 
 INSTANTIATE_TEST_SUITE_P(GuiApp, GuiSession, testing::ValuesIn(guiSessions()), sessionName);
+
+// The hostile documents of the desktop's test, at 24 by 80: no row wider
+// than the terminal, the first line on the first screen, every marker and
+// every text of the RTF shown, Sign offered only where there is something to
+// sign.
+std::vector<Session> hostileSessions()
+{
+    std::vector<Session> sessions;
+    for (const HostileSample &sample : hostileSamples()) {
+        std::vector<std::string> arguments = {"-window", "SignatureConfirm", "-lang", "2", "-certs", certificateList(),
+                                              "-version", "4.2", "-hashAlg", "SHA-256", "-hashVal", "AB",
+                                              "-data", base64(sample.data)};
+        if (sample.rtf)
+            arguments.insert(arguments.end(), {"-rtf", base64(*sample.rtf)});
+        std::vector<std::string> steps = {"?Esc cancels.", "|"};
+        for (const std::string &text : sample.shown)
+            steps.push_back("[" + text);
+        for (const std::string &text : sample.absent)
+            steps.push_back("-" + text);
+        if (sample.signable)
+            steps.insert(steps.end(), {"!\x1b[F1", "?> 1. Sign", "|", kEscape, "=2"});
+        else
+            steps.insert(steps.end(), {"[> 1. Decline", "-Sign (", kEnter, "=0", "^SignatureConfirm -result 0 "});
+        sessions.push_back({sample.name, arguments, steps, true, {}, {}, 24, 80});
+    }
+    // Names read from the certificate by type, whatever its texts hold.
+    const SpoofedCertificates made;
+    const std::string spoofed = certificateList(false, {made.ouHoldsCommonName, made.lineFeedInCommonName,
+                                                        made.bidiInCommonName, made.forgedIssuer});
+    sessions.push_back({"CertificatesAreNamedByTheirOwnFields",
+                        {"-window", "CertificateSelect", "-lang", "2", "-certs", spoofed},
+                        {"?Esc cancels.", "[1. Mallory | valid until", "[OU = \"x, CN = Jiří Novák, y\"",
+                         "[2. Mallory⟨U+000A⟩O = Česká národní banka | valid", "[3. Jan ⟨U+202E⟩káváN |",
+                         "-\u202E", "!4d", "?Issuer:", "[Issuer: O = Evil, OU = \"CN = Orvel Test Qualified CA\", CN = Evil CA",
+                         kEscape, kEscape, "=2"},
+                        true, {}, {}, 24, 80});
+    return sessions;
+}
+
+INSTANTIATE_TEST_SUITE_P(Hostile, GuiSession, testing::ValuesIn(hostileSessions()), sessionName);
 
 // The tool, with keys sent as a user would type them.
 std::vector<Session> toolSessions()

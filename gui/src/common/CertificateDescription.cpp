@@ -40,12 +40,14 @@ std::string joined(const std::vector<std::string> &parts)
 
 } // namespace
 
-VisibleText nameText(const DistinguishedName &name, NameLayout layout)
+VisibleText nameText(const DistinguishedName &name, NameLayout layout, bool withoutCommonName)
 {
     VisibleTextBuilder builder;
     const bool oneLine = layout == NameLayout::OneLine;
     for (std::size_t i = 0; i < name.size(); ++i) {
-        if (i > 0)
+        if (withoutCommonName && name[i].commonName)
+            continue;
+        if (builder.size() > 0)
             builder.appendOwn(name[i].sameSetAsPrevious ? " + " : oneLine ? ", " : "\n");
         builder.append(name[i].type, LineBreaks::Mark);
         builder.appendOwn(" = ");
@@ -115,6 +117,7 @@ ListedCertificate listedCertificate(const std::string &hostSubject, const Certif
     listed.isCertificate = details.isCertificate;
     if (!details.isCertificate) {
         listed.name = visibleText(hostSubject, LineBreaks::Mark);
+        listed.label = listed.name;
         listed.subject = listed.name;
         listed.subjectLines = listed.name;
         return listed;
@@ -122,8 +125,21 @@ ListedCertificate listedCertificate(const std::string &hostSubject, const Certif
     listed.subject = nameText(details.subjectName, NameLayout::OneLine);
     listed.subjectLines = nameText(details.subjectName, NameLayout::LinePerAttribute);
     listed.name = commonNameText(details.subjectName);
-    if (listed.name.text.empty())
+    if (listed.name.text.empty()) {
         listed.name = listed.subject;
+        listed.label = listed.subject;
+    } else {
+        // The name first, so that eliding a long subject in the middle
+        // keeps it; the rest tells two people of one name apart.
+        VisibleTextBuilder label;
+        label.append(listed.name);
+        const VisibleText rest = nameText(details.subjectName, NameLayout::OneLine, true);
+        if (!rest.text.empty()) {
+            label.appendOwn(" \xC2\xB7 "); // " · "
+            label.append(rest);
+        }
+        listed.label = label.take();
+    }
     listed.issuerLines = nameText(details.issuerName, NameLayout::LinePerAttribute);
     listed.issuerName = commonNameText(details.issuerName);
     if (listed.issuerName.text.empty())

@@ -21,7 +21,7 @@ enum class NameLayout {
 // A name as the user reads it. On one line, a value that holds a separator
 // (",", "+", ";", a quote, ...) is quoted, so that a value cannot pass for
 // attributes of its own.
-VisibleText nameText(const DistinguishedName &name, NameLayout layout);
+VisibleText nameText(const DistinguishedName &name, NameLayout layout, bool withoutCommonName = false);
 // The values of the name's common name attributes, on one line; empty when
 // it has none.
 VisibleText commonNameText(const DistinguishedName &name);
@@ -43,6 +43,7 @@ std::vector<CertificateField> describeCertificate(const CertificateDetails &deta
 struct ListedCertificate {
     bool isCertificate = false;
     VisibleText name;    // the common name, else the whole subject
+    VisibleText label;   // the common name, then the rest of the subject
     VisibleText subject; // the whole subject on one line
     VisibleText subjectLines;
     VisibleText issuerName; // the issuer's common name, else the whole issuer

@@ -39,7 +39,7 @@ public:
             const ListedCertificate listed = listedCertificate(entry.subject, readCertificate(entry.data));
             hidden_ += listed.hiddenCharacters();
             Row row;
-            row.name = plainText(listed.name);
+            row.name = plainText(listed.label);
             row.subject = plainText(listed.subjectLines);
             row.issuerName = listed.isCertificate ? plainText(listed.issuerName) : QStringLiteral("?");
             row.issuer = plainText(listed.issuerLines);

@@ -10,7 +10,9 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScrollArea>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QTextTable>
 #include <QVBoxLayout>
 
 #include <ctime>
@@ -37,27 +39,33 @@ CertificateViewer::CertificateViewer(const Request &request, const std::string &
             hidden += field.value.hiddenCharacters;
         if (QLabel *warning = hiddenCharactersWarning(t, hidden, this))
             layout->addWidget(warning);
-        auto *content = new QWidget;
-        auto *form = new QFormLayout(content);
-        form->setRowWrapPolicy(QFormLayout::WrapLongRows);
-        form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+        // One document for all fields, so that they scroll together and a
+        // long value wraps in its own column.
+        auto *view = new QTextEdit(this);
+        view->setReadOnly(true);
+        view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        view->setAccessibleName(qs(t.titleCertificate));
+        view->setTabChangesFocus(true);
+        view->setMinimumSize(620, 420);
+        QTextCursor cursor(view->document());
+        QTextTableFormat format;
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_None);
+        format.setCellPadding(3);
+        format.setColumnWidthConstraints({QTextLength(QTextLength::VariableLength, 0),
+                                          QTextLength(QTextLength::PercentageLength, 72)});
+        QTextTable *table = cursor.insertTable(static_cast<int>(fields.size()), 2, format);
+        QTextCharFormat labelFormat;
+        labelFormat.setFontWeight(QFont::Bold);
         const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-        for (const CertificateField &field : fields) {
-            auto *shown = new HostText(field.value, content, 40);
-            shown->setAccessibleName(qs(field.label));
-            if (field.monospace)
-                shown->setFont(fixed);
-            auto *name = new QLabel(qs(field.label) + QLatin1Char(':'), content);
-            name->setBuddy(shown);
-            form->addRow(name, shown);
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            const int row = static_cast<int>(i);
+            QTextCursor name = table->cellAt(row, 0).firstCursorPosition();
+            name.insertText(qs(fields[i].label) + QLatin1Char(':'), labelFormat);
+            QTextCursor value = table->cellAt(row, 1).firstCursorPosition();
+            insertVisibleText(value, fields[i].value, fields[i].monospace ? &fixed : nullptr);
         }
-        auto *scroll = new QScrollArea(this);
-        scroll->setWidget(content);
-        scroll->setWidgetResizable(true);
-        scroll->setFrameShape(QFrame::NoFrame);
-        scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        scroll->setMinimumSize(content->sizeHint().boundedTo(QSize(760, 560)) + QSize(24, 8));
-        layout->addWidget(scroll);
+        layout->addWidget(view);
     }
     addOkButton(layout);
 }

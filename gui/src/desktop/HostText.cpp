@@ -49,10 +49,21 @@ void setVisibleText(QTextDocument *document, const VisibleText &text)
     }
     QTextCursor cursor(document);
     cursor.beginEditBlock();
-    const QTextCharFormat plain;
-    const QTextCharFormat mark = markFormat();
-    forEachPiece(text, [&](std::string_view piece, bool isMark) { cursor.insertText(fromUtf8(piece), isMark ? mark : plain); });
+    insertVisibleText(cursor, text);
     cursor.endEditBlock();
+}
+
+void insertVisibleText(QTextCursor &cursor, const VisibleText &text, const QFont *font)
+{
+    QTextCharFormat plain;
+    QTextCharFormat mark = markFormat();
+    if (font) {
+        plain.setFont(*font);
+        mark.setFontFamilies(font->families());
+    }
+    forEachPiece(text, [&](std::string_view piece, bool isMark) {
+        cursor.insertText(fromUtf8(piece), isMark ? mark : plain);
+    });
 }
 
 QLabel *warningLabel(const QString &text, QWidget *parent)
@@ -90,9 +101,7 @@ HostText::HostText(const VisibleText &text, QWidget *parent, int maxLines) : QTe
     setPalette(colours);
     document()->setDocumentMargin(1);
     setVisibleText(document(), text);
-    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-    policy.setHeightForWidth(true);
-    setSizePolicy(policy);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void HostText::setText(const VisibleText &text)
@@ -125,31 +134,30 @@ int HostText::heightForWidth(int width) const
     return std::min(height, maxHeight());
 }
 
+int HostText::preferredWidth() const
+{
+    // The widest line, measured up to where it is wider than wanted anyway.
+    const QFontMetrics metrics(font());
+    const qsizetype enough = kPreferredWidth / std::max(metrics.averageCharWidth(), 1) * 2;
+    int natural = 0;
+    for (const QString &line : toPlainText().split(QChar::ParagraphSeparator))
+        for (const QString &part : line.split(QLatin1Char('\n')))
+            natural = std::max(natural, metrics.horizontalAdvance(part.left(enough)));
+    // Bold markers are a little wider than the text they are measured as.
+    natural = natural * 11 / 10 + 2 * frameWidth() + 8;
+    return std::max(std::min(natural, kPreferredWidth), metrics.averageCharWidth() * 4);
+}
+
+// The text never gets less room than it needs at its preferred width.
 QSize HostText::sizeHint() const
 {
-    QTextDocument *text = document();
-    const qreal saved = text->textWidth();
-    text->setTextWidth(-1);
-    const int natural = static_cast<int>(std::ceil(text->idealWidth())) + 2 * frameWidth() + 2;
-    text->setTextWidth(saved);
-    const int width = std::min(natural, kPreferredWidth);
+    const int width = preferredWidth();
     return {width, heightForWidth(width)};
 }
 
 QSize HostText::minimumSizeHint() const
 {
-    return {fontMetrics().averageCharWidth() * 12, fontMetrics().lineSpacing() + 2 * frameWidth() + 2};
-}
-
-void HostText::resizeEvent(QResizeEvent *event)
-{
-    QTextEdit::resizeEvent(event);
-    // The height follows the width: a narrower window gives more lines.
-    const int wanted = heightForWidth(width());
-    if (wanted != height()) {
-        setMinimumHeight(wanted);
-        updateGeometry();
-    }
+    return sizeHint();
 }
 
 } // namespace OrvelGui

@@ -9,7 +9,9 @@
 #include <QString>
 #include <QTextEdit>
 
+class QFont;
 class QLabel;
+class QTextCursor;
 class QTextDocument;
 class QWidget;
 
@@ -20,14 +22,18 @@ QString plainText(const VisibleText &text);
 
 // Fills a document with the text, its marks in the marker's format.
 void setVisibleText(QTextDocument *document, const VisibleText &text);
+// Inserts the text at the cursor, in `font` where one is given.
+void insertVisibleText(QTextCursor &cursor, const VisibleText &text, const QFont *font = nullptr);
 
 // A red warning in bold above the text it is about; nothing without cause.
 QLabel *warningLabel(const QString &text, QWidget *parent);
 QLabel *hiddenCharactersWarning(const Texts &t, std::size_t count, QWidget *parent);
 
-// A read-only text that looks like a label: as tall as its text for the
-// width it gets, up to `maxLines` lines (then it scrolls); words wrap, and
-// one longer than a line wraps inside.
+// A read-only text that looks like a label: at least as wide as its longest
+// line up to a sensible width, and as tall as its text is at that width, up to
+// `maxLines` lines (then it scrolls); words wrap, and one longer than a line
+// wraps inside. (Fixed room rather than a height for each width: a window
+// does not follow one when it is laid out, and the text would be cut.)
 class HostText : public QTextEdit {
     Q_OBJECT
 public:
@@ -38,14 +44,11 @@ public:
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
-    bool hasHeightForWidth() const override { return true; }
     int heightForWidth(int width) const override;
-
-protected:
-    void resizeEvent(QResizeEvent *event) override;
 
 private:
     int maxHeight() const;
+    int preferredWidth() const;
     int maxLines_;
 };
 

@@ -34,8 +34,6 @@ QLayout *iconAndText(QStyle::StandardPixmap icon, const Request &request, QWidge
     }
     column->addStretch();
     row->addLayout(column, 1);
-    // Wide enough that a usual sentence stays on one or two lines.
-    messageText->setMinimumWidth(360);
     return row;
 }
 

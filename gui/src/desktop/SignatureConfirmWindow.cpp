@@ -152,6 +152,14 @@ SignatureConfirmWindow::SignatureConfirmWindow(const Request &request, QWidget *
     views_.front()->setFocus();
 }
 
+SignatureConfirmWindow::~SignatureConfirmWindow()
+{
+    // The views outlive this part of the window (QWidget deletes them), and
+    // the one that loses the focus then asks for a repaint: not of us.
+    for (QPlainTextEdit *view : views_)
+        view->disconnect(this);
+}
+
 void SignatureConfirmWindow::addText(QVBoxLayout *layout, const QString &label, const std::vector<QString> &warnings,
                                      const VisibleText &text, bool monospace, int stretch)
 {

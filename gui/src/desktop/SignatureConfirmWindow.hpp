@@ -26,6 +26,7 @@ class SignatureConfirmWindow : public DesktopWindow {
     Q_OBJECT
 public:
     explicit SignatureConfirmWindow(const Request &request, QWidget *parent = nullptr);
+    ~SignatureConfirmWindow() override;
     bool confirmed() const { return confirmed_; }
     unsigned selected() const { return selected_; }
     // Null when there is nothing to sign.
