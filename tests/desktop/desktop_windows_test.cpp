@@ -205,6 +205,8 @@ private slots:
         QTest::addColumn<QString>("shown");
         QTest::newRow("short text") << QByteArray("Pay 100 EUR") << true << "Pay 100 EUR";
         QTest::newRow("long text") << QByteArray("Clause.\n").repeated(400) << false << "Clause.";
+        QTest::newRow("long text with markers") << QByteArray("Clause \xe2\x80\xae.\n").repeated(400) << false
+                                                << "Clause ⟨U+202E⟩.";
         QTest::newRow("bytes that are not text") << QByteArray("Pay 100 \xe9UR") << true << "50 61 79 20";
     }
     void signatureNeverSignsUnread()
@@ -220,6 +222,8 @@ private slots:
         QFETCH(QString, shown);
         QVERIFY(view->toPlainText().contains(shown));
         QFETCH(bool, signableAtOnce);
+        QCOMPARE(window.signButton()->isEnabled(), signableAtOnce);
+        QTest::keyClick(view, Qt::Key_PageDown); // one page on, from the top
         QCOMPARE(window.signButton()->isEnabled(), signableAtOnce);
         QVERIFY(window.declineButton()->isDefault());
         QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);

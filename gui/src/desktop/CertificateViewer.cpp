@@ -15,6 +15,7 @@
 #include <QTextTable>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <ctime>
 
 namespace OrvelGui {
@@ -65,6 +66,11 @@ CertificateViewer::CertificateViewer(const Request &request, const std::string &
             QTextCursor value = table->cellAt(row, 1).firstCursorPosition();
             insertVisibleText(value, fields[i].value, fields[i].monospace ? &fixed : nullptr);
         }
+        view->moveCursor(QTextCursor::Start);
+        // As tall as the fields, up to what a screen holds; then it scrolls.
+        view->document()->setTextWidth(600);
+        const int height = static_cast<int>(view->document()->size().height()) + 2 * view->frameWidth() + 4;
+        view->setMinimumHeight(std::min(height, 600));
         layout->addWidget(view);
     }
     addOkButton(layout);

@@ -7,8 +7,26 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QIdentityProxyModel>
 
 namespace OrvelGui {
+namespace {
+
+// The names of the files in the folder as a view may show them (Qt's own
+// chooser; a native panel shows its own names).
+class VisibleFileNames : public QIdentityProxyModel {
+public:
+    using QIdentityProxyModel::QIdentityProxyModel;
+    QVariant data(const QModelIndex &index, int role) const override
+    {
+        const QVariant value = QIdentityProxyModel::data(index, role);
+        if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
+            return value;
+        return plainText(visibleText(value.toString().toStdString(), LineBreaks::Mark));
+    }
+};
+
+} // namespace
 
 QStringList qtNameFilters(const std::string &filterText)
 {
@@ -64,6 +82,7 @@ FileChooserWindow::FileChooserWindow(const Request &request, QWidget *parent) : 
         setAcceptMode(QFileDialog::AcceptOpen);
         setFileMode(QFileDialog::ExistingFile);
     }
+    setProxyModel(new VisibleFileNames(this));
     auto *watch = new HostWatch(this);
     connect(watch, &HostWatch::hostGone, this, [this] {
         hostGone_ = true;

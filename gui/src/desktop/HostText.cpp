@@ -101,12 +101,14 @@ HostText::HostText(const VisibleText &text, QWidget *parent, int maxLines) : QTe
     setPalette(colours);
     document()->setDocumentMargin(1);
     setVisibleText(document(), text);
+    moveCursor(QTextCursor::Start);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
 void HostText::setText(const VisibleText &text)
 {
     setVisibleText(document(), text);
+    moveCursor(QTextCursor::Start);
     updateGeometry();
 }
 

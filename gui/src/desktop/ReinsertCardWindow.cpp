@@ -54,6 +54,7 @@ ReinsertCardWindow::ReinsertCardWindow(const Request &request, ReinsertCommandRe
     QPushButton *hide = buttons->addButton(qs(texts_.hide), QDialogButtonBox::RejectRole);
     hide->setAccessibleName(qs(texts_.hide));
     hide->setDefault(true);
+    hide->setFocus();
     connect(buttons, &QDialogButtonBox::rejected, this, &ReinsertCardWindow::reject);
     layout->addWidget(buttons);
     setMinimumWidth(420);

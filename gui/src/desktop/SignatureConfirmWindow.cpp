@@ -101,7 +101,6 @@ SignatureConfirmWindow::SignatureConfirmWindow(const Request &request, QWidget *
     auto *certificateButtons = new QVBoxLayout;
     certificateButtons->addWidget(change);
     certificateButtons->addWidget(show);
-    certificateButtons->addStretch();
     certificateRow->addLayout(certificateButtons);
     form->addRow(qs(t.certificate) + QLatin1Char(':'), certificateRow);
     value(t.version, request.version, false);
@@ -179,6 +178,9 @@ void SignatureConfirmWindow::addText(QVBoxLayout *layout, const QString &label, 
         shown.text.pop_back();
     QPlainTextEdit *view = textView(QString(), monospace, box);
     setVisibleText(view->document(), shown);
+    // The text was put in before the view's cursor, which went along to its
+    // end: back to the top, or the end would count as seen.
+    view->moveCursor(QTextCursor::Start);
     view->setAccessibleName(label);
     view->setMinimumHeight(120);
     name->setBuddy(view);

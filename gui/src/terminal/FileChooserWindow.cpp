@@ -34,6 +34,8 @@ void addHeading(Page &page, const Texts &t, const Request &request, const std::s
 
 Outcome openFileWindow(Console &console, const Request &request, Answer &answer)
 {
+    if (!console.begin(request))
+        return Outcome::NoUserInterface;
     const Texts &t = console.texts();
     const std::vector<std::string> patterns = filterPatterns(request.fileFilter);
     std::string folder = currentFolder();
@@ -107,6 +109,8 @@ Outcome openFileWindow(Console &console, const Request &request, Answer &answer)
 
 Outcome saveFileWindow(Console &console, const Request &request, Answer &answer)
 {
+    if (!console.begin(request))
+        return Outcome::NoUserInterface;
     const Texts &t = console.texts();
     // A proposed name that holds hidden characters is offered as it is
     // shown, markers and all: the file gets the name the user saw.

@@ -36,12 +36,12 @@ std::string invertMarks(const std::string &item)
     std::string out;
     out.reserve(item.size());
     for (std::size_t i = 0; i < item.size();) {
-        if (item.compare(i, 4, "\x1b[7m") == 0) {
-            out += "\x1b[27m";
-            i += 4;
-        } else if (item.compare(i, 5, "\x1b[27m") == 0) {
-            out += "\x1b[7m";
-            i += 5;
+        if (item.compare(i, kMarkOn.size(), kMarkOn) == 0) {
+            out += kMarkOff;
+            i += kMarkOn.size();
+        } else if (item.compare(i, kMarkOff.size(), kMarkOff) == 0) {
+            out += kMarkOn;
+            i += kMarkOff.size();
         } else {
             out.push_back(item[i++]);
         }

@@ -16,8 +16,6 @@ Outcome TerminalFrontEnd::askYesNo(const Request &request, Answer &answer)
 
 Outcome TerminalFrontEnd::chooseFile(const Request &request, Answer &answer)
 {
-    if (!console_.begin(request))
-        return Outcome::NoUserInterface;
     return request.window == Window::FileSave ? saveFileWindow(console_, request, answer)
                                               : openFileWindow(console_, request, answer);
 }

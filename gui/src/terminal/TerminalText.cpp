@@ -18,11 +18,11 @@ std::string styled(const VisibleText &text)
     out.reserve(text.text.size() + text.marks.size() * 10);
     forEachPiece(text, [&](std::string_view piece, bool mark) {
         if (mark)
-            out += "\x1b[7m";
+            out += kMarkOn;
         for (const char c : piece)
             out.push_back(c == '\t' ? ' ' : c);
         if (mark)
-            out += "\x1b[27m";
+            out += kMarkOff;
     });
     return out;
 }

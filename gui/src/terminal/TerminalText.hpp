@@ -19,6 +19,9 @@ inline constexpr const char *kBold = "\x1b[1m";
 inline constexpr const char *kDim = "\x1b[2m";
 inline constexpr const char *kReverse = "\x1b[7m";
 inline constexpr const char *kNormal = "\x1b[0m";
+// Around a marker: reverse video on and off (the other styles stay).
+inline constexpr std::string_view kMarkOn = "\x1b[7m";
+inline constexpr std::string_view kMarkOff = "\x1b[27m";
 
 std::string bold(const std::string &text);
 // "Label:" in bold.
