@@ -144,6 +144,11 @@ VisibleText visibleText(std::string_view outside, LineBreaks breaks)
     return builder.take();
 }
 
+std::string offeredAsShown(std::string_view outside)
+{
+    return visibleText(outside, LineBreaks::Mark).text;
+}
+
 VisibleText fillVisible(std::string_view pattern, std::initializer_list<std::string_view> outside)
 {
     VisibleTextBuilder builder;

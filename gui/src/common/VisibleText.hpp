@@ -60,6 +60,12 @@ private:
 
 VisibleText visibleText(std::string_view outside, LineBreaks breaks = LineBreaks::Keep);
 
+// A name proposed for a field the user may edit (a file to save, a PKCS#12
+// file) as it is shown: with its markers as text. The field then holds what
+// the user sees, and the file gets that name (or, when it holds hidden
+// characters, is not found under it).
+std::string offeredAsShown(std::string_view outside);
+
 // A pattern of our own with each "{}" replaced by the next outside value, on
 // one line (as fill() does for texts of our own).
 VisibleText fillVisible(std::string_view pattern, std::initializer_list<std::string_view> outside);

@@ -43,7 +43,7 @@ public:
             row.subject = plainText(listed.subjectLines);
             row.issuerName = listed.isCertificate ? plainText(listed.issuerName) : QStringLiteral("?");
             row.issuer = plainText(listed.issuerLines);
-            row.notAfter = plainText(visibleText(entry.notAfter, LineBreaks::Mark));
+            row.notAfter = shownOnOneLine(entry.notAfter);
             row.marked = listed.hiddenCharacters() > 0;
             if (entry.forceRenew || entry.warnRenew)
                 row.renewal = plainText(fillVisible(entry.forceRenew ? t.renewForced : t.renewWarned,

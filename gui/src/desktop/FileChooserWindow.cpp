@@ -22,7 +22,7 @@ public:
         const QVariant value = QIdentityProxyModel::data(index, role);
         if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
             return value;
-        return plainText(visibleText(value.toString().toStdString(), LineBreaks::Mark));
+        return shownOnOneLine(value.toString().toStdString());
     }
 };
 
@@ -42,9 +42,9 @@ QStringList qtNameFilters(const std::string &filterText)
                 pattern.erase(0, 2);
             else if (pattern.starts_with("."))
                 pattern.erase(0, 1);
-            globs << QStringLiteral("*.") + plainText(visibleText(pattern, LineBreaks::Mark));
+            globs << QStringLiteral("*.") + shownOnOneLine(pattern);
         }
-        QString name = plainText(visibleText(entry.name, LineBreaks::Mark)).trimmed();
+        QString name = shownOnOneLine(entry.name).trimmed();
         if (name.isEmpty())
             name = globs.join(QLatin1Char(' '));
         filters << name + QStringLiteral(" (") + globs.join(QLatin1Char(' ')) + QLatin1Char(')');
@@ -60,7 +60,7 @@ FileChooserWindow::FileChooserWindow(const Request &request, QWidget *parent) : 
     // The message names what the file is for; a long one would not fit a
     // title bar, so its first line is used.
     const std::string firstLine = request.message.substr(0, request.message.find('\n'));
-    const QString message = plainText(visibleText(firstLine, LineBreaks::Mark)).left(120);
+    const QString message = shownOnOneLine(firstLine).left(120);
     setWindowTitle(message.isEmpty() ? title : message);
     setAccessibleName(title);
     setDirectory(QDir::current());
@@ -74,10 +74,8 @@ FileChooserWindow::FileChooserWindow(const Request &request, QWidget *parent) : 
     if (save) {
         setAcceptMode(QFileDialog::AcceptSave);
         setFileMode(QFileDialog::AnyFile);
-        // A proposed name that holds hidden characters is offered as it is
-        // shown, markers and all: the file gets the name the user saw.
         if (!request.fileName.empty())
-            selectFile(plainText(visibleText(request.fileName, LineBreaks::Mark)));
+            selectFile(qs(offeredAsShown(request.fileName)));
     } else {
         setAcceptMode(QFileDialog::AcceptOpen);
         setFileMode(QFileDialog::ExistingFile);

@@ -40,6 +40,11 @@ QString plainText(const VisibleText &text)
     return fromUtf8(text.text);
 }
 
+QString shownOnOneLine(std::string_view outside)
+{
+    return plainText(visibleText(outside, LineBreaks::Mark));
+}
+
 void setVisibleText(QTextDocument *document, const VisibleText &text)
 {
     document->clear();

@@ -19,6 +19,8 @@ namespace OrvelGui {
 
 // The text alone, markers as their text (for a title, a tooltip, a cell).
 QString plainText(const VisibleText &text);
+// An outside value so, on one line (line feeds as markers too).
+QString shownOnOneLine(std::string_view outside);
 
 // Fills a document with the text, its marks in the marker's format.
 void setVisibleText(QTextDocument *document, const VisibleText &text);

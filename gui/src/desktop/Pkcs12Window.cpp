@@ -29,10 +29,7 @@ Pkcs12Window::Pkcs12Window(const Request &request, QWidget *parent)
     };
     auto *layout = new QVBoxLayout(this);
     auto *form = new QFormLayout;
-    // A proposed path that holds hidden characters is offered as it is
-    // shown, markers and all (no such file, then): the user picks the file
-    // they can see.
-    file_ = new QLineEdit(plainText(visibleText(request.fileName, LineBreaks::Mark)), this);
+    file_ = new QLineEdit(qs(offeredAsShown(request.fileName)), this);
     file_->setAccessibleName(label(t.pkcs12File));
     file_->setMinimumWidth(380);
     auto *browse = new QPushButton(qs(t.browse), this);

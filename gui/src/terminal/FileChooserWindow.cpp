@@ -112,9 +112,7 @@ Outcome saveFileWindow(Console &console, const Request &request, Answer &answer)
     if (!console.begin(request))
         return Outcome::NoUserInterface;
     const Texts &t = console.texts();
-    // A proposed name that holds hidden characters is offered as it is
-    // shown, markers and all: the file gets the name the user saw.
-    std::string name = visibleText(request.fileName, LineBreaks::Mark).text;
+    std::string name = offeredAsShown(request.fileName);
     std::string problem;
     for (;;) {
         Page page;

@@ -34,5 +34,7 @@ bool viewText(Console &console, const std::string &title, const Lines &text);
 
 // Moves the text for a scrolling key; false when the key is not one.
 bool scrollText(const Key &key, Scroll &scroll, bool arrows);
+// Draws the page and reads keys until one that does not scroll its text.
+Key readKeyScrolling(Console &console, const Page &page, Scroll &scroll);
 
 } // namespace OrvelGui

@@ -12,10 +12,7 @@ Outcome selectPkcs12Window(Console &console, const Request &request, Answer &ans
     if (!console.begin(request))
         return Outcome::NoUserInterface;
     const Texts &t = console.texts();
-    // A proposed path that holds hidden characters is offered as it is
-    // shown, markers and all (no such file, then): the user picks the file
-    // they can see.
-    std::string typed = visibleText(request.fileName, LineBreaks::Mark).text;
+    std::string typed = offeredAsShown(request.fileName);
     std::string problem;
     for (;;) {
         Page page;

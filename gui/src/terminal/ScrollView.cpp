@@ -39,6 +39,16 @@ bool scrollText(const Key &key, Scroll &scroll, bool arrows)
     }
 }
 
+Key readKeyScrolling(Console &console, const Page &page, Scroll &scroll)
+{
+    for (;;) {
+        console.draw(page, scroll);
+        const Key key = console.nextKey();
+        if (!scrollText(key, scroll, true))
+            return key;
+    }
+}
+
 bool viewText(Console &console, const std::string &title, const Lines &text)
 {
     Page page;
@@ -48,11 +58,7 @@ bool viewText(Console &console, const std::string &title, const Lines &text)
     page.scrollHint = console.texts().hintViewScroll;
     Scroll scroll;
     for (;;) {
-        console.draw(page, scroll);
-        const Key key = console.nextKey();
-        if (scrollText(key, scroll, true))
-            continue;
-        switch (key.type) {
+        switch (readKeyScrolling(console, page, scroll).type) {
         case KeyType::Enter:
         case KeyType::Escape:
         case KeyType::Interrupt:

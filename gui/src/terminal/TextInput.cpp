@@ -24,11 +24,7 @@ std::optional<std::string> readLine(Console &console, Page page, const std::stri
         } else {
             page.typed = oneLine(text); // what the user typed or pasted, markers and all
         }
-        console.draw(page, scroll);
-
-        const Key key = console.nextKey();
-        if (scrollText(key, scroll, true))
-            continue;
+        const Key key = readKeyScrolling(console, page, scroll);
         switch (key.type) {
         case KeyType::Enter:
             return text;
