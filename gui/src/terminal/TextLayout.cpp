@@ -201,23 +201,21 @@ std::string fitWidth(const std::string &text, std::size_t width)
 
 std::string fitWidthFromEnd(const std::string &text, std::size_t width)
 {
-    if (displayWidth(text) <= width)
+    const std::size_t total = displayWidth(text);
+    if (total <= width)
         return text;
-    std::size_t cells = 0;
-    std::size_t start = text.size();
-    // Walk back to the start of each character (UTF-8 continuation bytes
-    // belong to the character before them).
-    while (start > 0) {
-        std::size_t begin = start - 1;
-        while (begin > 0 && (static_cast<unsigned char>(text[begin]) & 0xC0) == 0x80)
-            --begin;
-        const std::size_t pieceCells = pieceAt(text, begin).cells;
-        if (cells + pieceCells + 1 > width)
-            break;
-        cells += pieceCells;
-        start = begin;
+    // Drop whole pieces (characters, escape sequences) from the front until
+    // the rest and the "…" fit; the styles dropped with them are put back.
+    std::size_t cells = total;
+    std::size_t start = 0;
+    while (start < text.size() && cells + 1 > width) {
+        const Piece piece = pieceAt(text, start);
+        cells -= piece.cells;
+        start += piece.length;
     }
-    return (width > 0 ? "…" : "") + text.substr(start);
+    StyleState style;
+    style.follow(std::string_view(text).substr(0, start));
+    return (width > 0 ? "…" : "") + style.sequence() + text.substr(start);
 }
 
 } // namespace OrvelGui
