@@ -3,6 +3,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QFontMetrics>
 #include <QLabel>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -155,16 +156,25 @@ int HostText::preferredWidth() const
     return std::max(std::min(natural, kPreferredWidth), metrics.averageCharWidth() * 4);
 }
 
-// The text never gets less room than it needs at its preferred width.
+// Never narrower than its preferred width, and as tall as the text is at
+// the width it has (fewer lines once it is wider).
 QSize HostText::sizeHint() const
 {
-    const int width = preferredWidth();
-    return {width, heightForWidth(width)};
+    const int preferred = preferredWidth();
+    return {preferred, heightForWidth(std::max(width(), preferred))};
 }
 
 QSize HostText::minimumSizeHint() const
 {
-    return sizeHint();
+    const int preferred = preferredWidth();
+    return {preferred, heightForWidth(preferred)};
+}
+
+void HostText::resizeEvent(QResizeEvent *event)
+{
+    QTextEdit::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width())
+        updateGeometry();
 }
 
 } // namespace OrvelGui

@@ -48,6 +48,9 @@ public:
     QSize minimumSizeHint() const override;
     int heightForWidth(int width) const override;
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     int maxHeight() const;
     int preferredWidth() const;

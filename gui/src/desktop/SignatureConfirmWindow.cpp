@@ -101,6 +101,7 @@ SignatureConfirmWindow::SignatureConfirmWindow(const Request &request, QWidget *
     auto *certificateButtons = new QVBoxLayout;
     certificateButtons->addWidget(change);
     certificateButtons->addWidget(show);
+    certificateButtons->addStretch();
     certificateRow->addLayout(certificateButtons);
     form->addRow(qs(t.certificate) + QLatin1Char(':'), certificateRow);
     value(t.version, request.version, false);
