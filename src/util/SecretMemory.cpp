@@ -30,6 +30,12 @@ void wipe(std::string &text)
     text.clear();
 }
 
+void wipeAll(std::string &text)
+{
+    text.resize(text.capacity());
+    wipe(text);
+}
+
 Scope::Scope()
 {
     ++openScopes;

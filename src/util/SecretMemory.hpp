@@ -10,8 +10,12 @@ namespace OrvelDialogs::SecretMemory {
 
 // Overwrites `size` bytes with zeros; the compiler may not drop it.
 void wipe(void *bytes, size_t size);
-// Overwrites the bytes the string holds and empties it.
+// Overwrites the bytes the string holds and empties it: for room whose spare
+// part never held a secret (the reply's, the log's).
 void wipe(std::string &text);
+// Overwrites every byte the string owns, its spare room too (what a value cut
+// short or a deleted character left there), and empties it.
+void wipeAll(std::string &text);
 
 // While one lives, the dialog that runs holds a secret in its reply: room that
 // held part of the reply is wiped before it is released, also where it grows.
@@ -28,7 +32,7 @@ bool inScope();
 class WipedOnExit {
 public:
     explicit WipedOnExit(std::string &text) : text_(text) {}
-    ~WipedOnExit() { wipe(text_); }
+    ~WipedOnExit() { wipeAll(text_); }
     WipedOnExit(const WipedOnExit &) = delete;
     WipedOnExit &operator=(const WipedOnExit &) = delete;
 

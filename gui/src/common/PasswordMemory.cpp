@@ -1,8 +1,6 @@
-// memset_s is C11's Annex K, which macOS offers only when asked for first.
-#define __STDC_WANT_LIB_EXT1__ 1
-#include <string.h>
-
 #include "common/PasswordMemory.hpp"
+
+#include "util/SecretMemory.hpp"
 
 #include <sys/resource.h>
 #if defined(__linux__)
@@ -30,22 +28,16 @@ bool keepOutOfCoreDumps(std::string &why)
     return true;
 }
 
+// The library's own wiping, behind names the desktop module can resolve from
+// the executable.
 void wipeSecret(void *bytes, std::size_t size)
 {
-    if (size == 0)
-        return;
-#if defined(__APPLE__)
-    memset_s(bytes, size, 0, size);
-#else
-    explicit_bzero(bytes, size);
-#endif
+    OrvelDialogs::SecretMemory::wipe(bytes, size);
 }
 
 void wipeSecret(std::string &text)
 {
-    text.resize(text.capacity());
-    wipeSecret(text.data(), text.size());
-    text.clear();
+    OrvelDialogs::SecretMemory::wipeAll(text);
 }
 
 } // namespace OrvelGui
