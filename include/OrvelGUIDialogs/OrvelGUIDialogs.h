@@ -61,7 +61,7 @@ extern "C" {
  * notAfterStr, or a dataLength of 0, gives 1; a NULL renewDeadlineStr, or a
  * text that is not UTF-8, gives 7. */
 typedef struct ORV_Certificate {
-    char *data;                /* the certificate, DER: dataLength bytes, not terminated */
+    char *data;                /* the certificate (DER; OrvelGUI.app reads PEM too): dataLength bytes */
     unsigned int dataLength;
     char *subjectStr;          /* NUL-terminated UTF-8: the name shown for it */
     char *notAfterStr;         /* NUL-terminated UTF-8: end of validity, as it is to be shown */
@@ -147,7 +147,8 @@ ORV_EXPORT long ORV_YesNoDialog(const char *message, const char *info, int butto
  * in fileName: accepted and ignored: the open dialog never reads it.
  * out outPath: the host's buffer of outPathSize bytes. Once the arguments
  *   pass, its first outPathSize - 1 bytes are set to zero (the last byte is not
- *   written); on 0 it holds the chosen path.
+ *   written); on 0 it holds the chosen path (none when the reply carried no
+ *   log section).
  * in outPathSize: its size, the terminating zero included; 0 gives 1.
  * in fileFilter: NULL (or "") for all files, else entries separated by "|",
  *   each a description with its patterns in parentheses, separated by ",":
