@@ -11,6 +11,8 @@ packages=(
   python3 locales gcovr
   qt6-base-dev libgl-dev libxcb1-dev qt6-translations-l10n
   xvfb xauth xdotool fonts-dejavu-core
+  # The Xvfb run: xprop and xmessage; dbus-launch, which would autolaunch a
+  # session bus if the windows let it.
   x11-utils dbus-x11
 )
 
