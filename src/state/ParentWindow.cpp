@@ -6,6 +6,7 @@
 #include "state/CBoundary.hpp"
 
 #include <algorithm>
+#include <string_view>
 
 namespace OrvelDialogs {
 namespace {

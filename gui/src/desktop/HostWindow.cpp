@@ -13,6 +13,8 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <string_view>
 
 namespace OrvelGui {
 namespace {
