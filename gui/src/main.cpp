@@ -4,6 +4,7 @@
 // Protocol.hpp.
 #include "common/PasswordMemory.hpp"
 #include "protocol/FrontEnd.hpp"
+#include "protocol/ImmediateExit.hpp"
 #include "protocol/Protocol.hpp"
 #include "FrontEndChoice.hpp"
 
@@ -83,6 +84,7 @@ int main(int argc, char **argv)
             writeReply(formatReply(windowName, nullptr, false, {}, log));
             return kBadCommandLine;
         }
+        prepareImmediateExit(windowName, log);
         if (parsed.request->window == Window::SelectPKCS12) {
             // This window asks for a password: no core dump or debugger of
             // the same user may read it from here on.

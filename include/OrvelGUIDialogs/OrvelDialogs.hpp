@@ -33,6 +33,9 @@ ORV_EXPORT void SetOutputLimit(unsigned long long bytes);
 // in mask: true logs the PKCS#12 reply with its password token replaced by
 // "********" (ORV_SetMaskSecrets); false, the default, logs it whole.
 ORV_EXPORT void SetMaskSecrets(bool mask);
+// The host's window for the dialogs to stay above (ORV_SetParentWindow);
+// here a text that cannot be used clears it, as null and "" do.
+ORV_EXPORT void SetParentWindow(const char *handle);
 // The log as NUL-terminated UTF-8, or null while nothing has been logged.
 // Owned by the library and valid until the next entry (ORV_GetLog).
 ORV_EXPORT const char *GetLogBuffer();

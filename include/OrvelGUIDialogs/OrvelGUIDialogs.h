@@ -82,9 +82,10 @@ typedef struct ORV_Certificate {
  * Returns 0. */
 ORV_EXPORT long ORV_SetAppPath(const char *path);
 
-/* in language: 0 Czech, 1 Slovak, 2 any other. The dialogs pass it to the GUI
- * application, except the message box and the certificate display, whose
- * language OrvelGUI.app takes from its locale (LC_ALL, LC_MESSAGES, LANG).
+/* in language: 0 Czech, 1 Slovak, 2 any other. Every dialog passes it to the
+ * GUI application: on the command line ("-lang") where the protocol has it,
+ * and for every window in its environment (ORVEL_GUI_LANGUAGE), so that the
+ * message box and the certificate display speak it too.
  * Returns 0 when stored; 1 for any other value, the language unchanged. */
 ORV_EXPORT long ORV_SetLanguage(int language);
 
@@ -111,6 +112,16 @@ ORV_EXPORT long ORV_GetLog(const char **log);
  * the diagnostic log; the rest is cut off with an entry that says so.
  * Returns 0; 1 for 0, the limit unchanged. */
 ORV_EXPORT long ORV_SetOutputLimit(unsigned long long bytes);
+
+/* in handle: the host's own window, which the dialogs' windows then stay
+ * above (made transient for it) where the window system allows: "x11:" and
+ * the window id ("x11:0x3a00007"), or "wayland:" and a handle the host
+ * exported with xdg-foreign; copied. The GUI application gets it in its
+ * environment (ORVEL_GUI_PARENT_WINDOW), never on its command line, and logs
+ * when it cannot use it. NULL or "" clears it.
+ * Returns 0; 1 for text that is not UTF-8, holds a control character or is
+ * longer than 1024 bytes (nothing changes). */
+ORV_EXPORT long ORV_SetParentWindow(const char *handle);
 
 /* in mask: not 0 to log the PKCS#12 dialog's reply with its second value (the
  * password) replaced by "********"; the window name, the path and the log

@@ -1,6 +1,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
+#include "launcher/GuiEnvironment.hpp"
 #include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "launcher/ScriptedChild.hpp"
@@ -102,6 +103,7 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     if (!executable)
         throw PlatformException("no application bundle with an executable at \"" + bundlePath + "\"");
     task->setLaunchPath(*executable);
+    task->setEnvironment(OrvelDialogs::Launcher::childEnvironment(OrvelDialogs::Launcher::settingsForGui()));
 
     auto input = OrvelDialogs::Platform::makePipe();
     auto output = OrvelDialogs::Platform::makePipe();

@@ -1,8 +1,8 @@
 // A GUI application stand-in for the tests, scripted through the FAKEGUI_*
 // environment variables that support/FakeGui.hpp sets (the library's child
 // inherits the test's environment). In this order it records its arguments,
-// open descriptors and signal state in FAKEGUI_RECORD_DIR, waits for
-// FAKEGUI_GATE_FILE, reads and records its input (FAKEGUI_READ_STDIN), writes
+// environment, open descriptors and signal state in FAKEGUI_RECORD_DIR, waits
+// for FAKEGUI_GATE_FILE, reads and records its input (FAKEGUI_READ_STDIN), writes
 // its reply (the file FAKEGUI_REPLY_FILE or the text FAKEGUI_REPLY, then
 // FAKEGUI_FILL_BYTES of FAKEGUI_FILL_CHAR, then FAKEGUI_REPLY_SUFFIX), leaves a
 // grandchild holding its stdout, closes stdout, sleeps, and dies by
@@ -84,6 +84,10 @@ int main(int argc, char **argv)
     for (int i = 1; i < argc; ++i)
         arguments += std::string(argv[i]) + '\0';
     record("argv", arguments);
+    std::string environment;
+    for (char **entry = environ; *entry != nullptr; ++entry)
+        environment += std::string(*entry) + '\0';
+    record("environ", environment);
     record("fds", openDescriptors());
     record("signals", signalState());
 

@@ -41,6 +41,7 @@ public:
 
     // What the last child recorded.
     std::vector<std::string> arguments() const;
+    std::vector<std::string> environment() const; // "NAME=value", in order
     std::string stdinBytes() const;
     std::vector<int> openDescriptors() const;
     std::string signalState() const;

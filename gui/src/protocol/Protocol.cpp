@@ -1,6 +1,7 @@
 #include "protocol/Protocol.hpp"
 
 #include "common/PasswordMemory.hpp"
+#include "protocol/HostLanguage.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
 #include <OrvelGUIDialogs/LibraryState.hpp>
@@ -201,7 +202,8 @@ private:
                 return false;
             request.language = language == 0 ? Language::Czech : language == 1 ? Language::Slovak : Language::English;
         } else {
-            request.language = languageFromEnvironment();
+            const auto host = languageFromHost(log_);
+            request.language = host ? *host : languageFromEnvironment();
         }
         if (request.window == Window::FileOpen || request.window == Window::FileSave) {
             const std::string *filter = option("-fileFilter");
