@@ -106,7 +106,7 @@ std::vector<Session> guiSessions()
          true, {}, {{"bogus.p12", "-----BEGIN CERTIFICATE-----"}}},
         // While it asks for the password the application may not be dumped.
         {"Pkcs12WindowCannotBeDumped", {"-window", "SelectPKCS12", "-lang", "2", "-filename", id},
-         {"?PKCS#12 file: ", kEnter, "?Password: ", "~" + std::to_string(SIGUSR1), "?[dumpable 0, core limit 0]",
+         {"?PKCS#12 file: ", kEnter, "?Password: ", "~" + std::to_string(SIGURG), "?[dumpable 0, core limit 0]",
           "!päss\r", "=0"},
          true, {"LD_PRELOAD=" ORVEL_DUMPABLE_PROBE, "ASAN_OPTIONS=verify_asan_link_order=0:" + asanOptions}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},

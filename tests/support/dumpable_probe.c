@@ -1,7 +1,8 @@
 /* Preloaded (LD_PRELOAD) into the GUI application by a terminal session: on
- * SIGUSR1 it writes to standard error, the session's terminal, whether the
- * process may be dumped and its core size limit: "[dumpable D, core limit C]".
- * The application is waiting for a key then, so formatting here is safe. */
+ * SIGURG, which no front end takes (it is ignored by default), it writes to
+ * standard error, the session's terminal, whether the process may be dumped
+ * and its core size limit: "[dumpable D, core limit C]". The application is
+ * waiting for a key then, so formatting here is safe. */
 #include <signal.h>
 #include <stdio.h>
 #include <sys/prctl.h>
@@ -21,5 +22,5 @@ static void report(int signalNumber)
 
 __attribute__((constructor)) static void installProbe(void)
 {
-    signal(SIGUSR1, report);
+    signal(SIGURG, report);
 }
