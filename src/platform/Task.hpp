@@ -1,9 +1,11 @@
 // One child process: program, argument vector, standard input and output.
-// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2,
-// the host's standard error, environment and working directory, and starts
+// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2
+// (and the files it is given, from 3 on), the host's standard error,
+// environment (with the task's changes) and working directory, and starts
 // with an empty signal mask and default signal dispositions.
 #pragma once
 
+#include "platform/ChildEnvironment.hpp"
 #include "platform/Descriptor.hpp"
 
 #include <sys/types.h>
@@ -30,6 +32,13 @@ public:
     // the child (or failed to).
     void setStandardInput(UniqueFd childEnd) { childStdin_ = std::move(childEnd); }
     void setStandardOutput(UniqueFd childEnd) { childStdout_ = std::move(childEnd); }
+    // Files the child gets as descriptors kFirstInheritedFile, + 1, ... in
+    // this order; the task closes its copies once it has started the child
+    // (or failed to).
+    static constexpr int kFirstInheritedFile = 3;
+    void setInheritedFiles(std::vector<UniqueFd> files) { inheritedFiles_ = std::move(files); }
+    ChildEnvironment &environment() { return environment_; }
+    const ChildEnvironment &environment() const { return environment_; }
 
     // Starts the child without waiting. Raises the platform exception when
     // the program cannot be started.
@@ -80,6 +89,8 @@ private:
     std::vector<std::string> arguments_;
     UniqueFd childStdin_;
     UniqueFd childStdout_;
+    std::vector<UniqueFd> inheritedFiles_;
+    ChildEnvironment environment_;
     UniqueFd pidFd_;
     pid_t pid_ = -1;
     State state_ = State::NotLaunched;

@@ -79,7 +79,12 @@ std::vector<int> FakeGui::openDescriptors() const
 
 std::string FakeGui::signalState() const
 {
-    return readFile(recordDir_ + "/signals");
+    return recorded("signals");
+}
+
+std::string FakeGui::recorded(const std::string &name) const
+{
+    return readFile(recordDir_ + "/" + name);
 }
 
 bool FakeGui::ran() const
