@@ -1,5 +1,5 @@
 // The reply: "<Window> <result tokens> -log <Base64 of our log>" on standard
-// output.
+// output, and the exit status beside it.
 #pragma once
 
 #include "protocol/GuiLog.hpp"
@@ -8,6 +8,16 @@
 #include <string>
 
 namespace OrvelGui {
+
+// Exit statuses. 1, 3, 4 and 7 are left out on purpose: the library returns
+// them for its own failures, so a host can tell ours apart from those.
+enum ExitStatus : int {
+    kAnswered = 0,
+    kCancelled = 2,
+    kBadCommandLine = 5,
+    kNoUserInterface = 6,
+    kInternalFailure = 8,
+};
 
 // The reply text, ending in a line feed. With answered false only the window
 // name and the log section are written.

@@ -1,6 +1,5 @@
 // What the library asks for and what the user answered: the request decoded
-// from the command line, the answer that goes into the reply, and the exit
-// statuses.
+// from the command line and the answer that goes into the reply.
 #pragma once
 
 #include <cstdint>
@@ -9,16 +8,6 @@
 #include <vector>
 
 namespace OrvelGui {
-
-// Exit statuses. 1, 3, 4 and 7 are left out on purpose: the library returns
-// them for its own failures, so a host can tell ours apart from those.
-enum ExitStatus : int {
-    kAnswered = 0,
-    kCancelled = 2,
-    kBadCommandLine = 5,
-    kNoUserInterface = 6,
-    kInternalFailure = 8,
-};
 
 enum class Window {
     MessageBox,
