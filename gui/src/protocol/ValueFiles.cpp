@@ -143,22 +143,22 @@ bool readValueFiles(const char *announcement, std::map<std::string, std::string_
     if (announcement == nullptr)
         return true;
     std::vector<Reference> references;
-    const bool wellFormed = parseAnnouncement(announcement, references);
-    bool good = wellFormed;
-    if (!wellFormed)
+    bool good = parseAnnouncement(announcement, references);
+    if (!good)
         log.add(std::string("Bad command line: ") + kValueFilesVariable + " is malformed: " + announcement);
     files.reserve(references.size());
-    for (const Reference &reference : references) {
-        const auto option = options.find(reference.option);
+    for (auto reference = references.begin(); good && reference != references.end(); ++reference) {
+        const auto option = options.find(reference->option);
+        const std::string expected = "@fd:" + std::to_string(reference->fd);
         std::string problem;
         if (option == options.end())
             problem = "the command line has no such option";
-        else if (option->second != "@fd:" + std::to_string(reference.fd))
-            problem = "its value is not the reference @fd:" + std::to_string(reference.fd);
-        else if (ValueFile file; good && file.read(reference.fd, reference.size, problem))
+        else if (option->second != expected)
+            problem = "its value is not the reference " + expected;
+        else if (ValueFile file; file.read(reference->fd, reference->size, problem))
             option->second = files.emplace_back(std::move(file)).bytes();
         if (!problem.empty()) {
-            log.add("Bad command line: the value file of " + reference.option + ": " + problem + ".");
+            log.add("Bad command line: the value file of " + reference->option + ": " + problem + ".");
             good = false;
         }
     }
