@@ -275,6 +275,55 @@ TEST_F(Dialogs, ValuesTooLargeForTheCommandLineArriveInSealedFiles)
     EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
 }
 
+// What no command line carries goes in the environment: the language (for the
+// windows without -lang too) and the host's window, in place of any stale
+// value the host's own environment holds; everything else passes unchanged.
+TEST_F(Dialogs, TheGuiGetsTheLanguageAndTheHostsWindowInItsEnvironment)
+{
+    gui.reply(replyWithLog("MessageBox"));
+    setenv("ORVEL_GUI_LANGUAGE", "stale", 1);
+    setenv("ORVEL_GUI_PARENT_WINDOW", "stale", 1);
+    const std::string tooLong = "x11:" + std::string(1021, '1');
+    const struct {
+        std::function<long()> set;
+        long result;
+        const char *language, *window; // null: not in the environment
+    } cases[] = {
+        {[] { return ORV_SetParentWindow("x11:0x3a00007"); }, 0, "0", "x11:0x3a00007"},
+        {[] { return ORV_SetLanguage(1); }, 0, "1", "x11:0x3a00007"},
+        // Refused: the window named before stays.
+        {[] { return ORV_SetParentWindow("x11:1\n"); }, 1, "1", "x11:0x3a00007"},
+        {[] { return ORV_SetParentWindow("wayland:\xC3\x28"); }, 1, "1", "x11:0x3a00007"},
+        {[&] { return ORV_SetParentWindow(tooLong.c_str()); }, 1, "1", "x11:0x3a00007"},
+        {[&] { return ORV_SetParentWindow(tooLong.substr(1).c_str()); }, 0, "1", tooLong.c_str() + 1},
+        {[] { return ORV_SetParentWindow(""); }, 0, "1", nullptr},
+        {[] { return ORV_SetParentWindow("wayland:5f3b-Ž"); }, 0, "1", "wayland:5f3b-Ž"},
+        {[] { return ORV_SetParentWindow(nullptr); }, 0, "1", nullptr},
+        // Not set: the GUI application follows the locale, as the library would.
+        {[] { return OrvelDialogs::SetLanguage(-1), 0L; }, 0, nullptr, nullptr},
+        {[] { return OrvelDialogs::SetParentWindow("x11:\x7f"), ORV_SetLanguage(2); }, 0, "2", nullptr},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(c.set(), c.result);
+        ASSERT_EQ(ORV_MessageBox("M", nullptr, 0), 0);
+        std::vector<std::string> ours;
+        bool hostsOwn = false;
+        for (const std::string &entry : gui.environment()) {
+            if (entry.starts_with("ORVEL_GUI_LANGUAGE=") || entry.starts_with("ORVEL_GUI_PARENT_WINDOW="))
+                ours.push_back(entry);
+            hostsOwn = hostsOwn || entry == "FAKEGUI_RECORD_DIR=" + std::string(getenv("FAKEGUI_RECORD_DIR"));
+        }
+        Args expected;
+        if (c.language)
+            expected.push_back(std::string("ORVEL_GUI_LANGUAGE=") + c.language);
+        if (c.window)
+            expected.push_back(std::string("ORVEL_GUI_PARENT_WINDOW=") + c.window);
+        EXPECT_EQ(ours, expected);
+        EXPECT_TRUE(hostsOwn);
+    }
+    EXPECT_EQ(std::string(getenv("ORVEL_GUI_LANGUAGE")), "stale"); // the host's own stays as it was
+}
+
 TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
 {
     const std::string exception = "Exception occured:\n";

@@ -118,6 +118,11 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
                    "language of the dialogs and of the tool's messages (default: the dialogs' language is left to "
                    "the library, which starts as Czech; the messages follow the locale)")
         ->check(CLI::IsMember({"cs", "sk", "en"}));
+    app.add_option("--parent-window", call.parentWindow,
+                   "the window the dialogs stay above: x11:ID (from a terminal emulator that sets it: "
+                   "x11:$WINDOWID) or wayland:HANDLE (xdg-foreign)")
+        ->check(kUtf8)
+        ->type_name("HANDLE");
     app.add_flag("--log", call.log,
                  "print the library's diagnostic log to stderr at the end, control characters escaped and the "
                  "PKCS#12 password masked");

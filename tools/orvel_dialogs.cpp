@@ -410,6 +410,9 @@ int main(int argc, char **argv)
     if (const auto status = parseCommandLine(argc, argv, call))
         return *status;
     const ToolLanguage language = toolLanguage(call.lang);
+    if (call.parentWindow && ORV_SetParentWindow(call.parentWindow->c_str()) != 0)
+        return usageError("--parent-window: not a window handle (a control character, or over 1024 bytes): " +
+                          escapeForTerminal(*call.parentWindow));
 
     std::optional<std::string> app = call.app ? call.app : defaultApp();
     if (!app) {
@@ -417,13 +420,10 @@ int main(int argc, char **argv)
                              "give --app PATH\n");
         return kInputError;
     }
-    if (call.lang) {
+    // The library hands the language to every window, those without "-lang"
+    // on their command line too.
+    if (call.lang)
         ORV_SetLanguage(*call.lang == "cs" ? 0 : *call.lang == "sk" ? 1 : 2);
-        // The message box and the certificate display get no language on the
-        // GUI application's command line; it then follows its locale, which
-        // it inherits from here.
-        ::setenv("LC_ALL", *call.lang == "cs" ? "cs_CZ.UTF-8" : *call.lang == "sk" ? "sk_SK.UTF-8" : "en_US.UTF-8", 1);
-    }
     ORV_SetAppPath(app->c_str());
 
     Answer answer;

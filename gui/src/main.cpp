@@ -3,6 +3,7 @@
 // its reply to standard output and exits with one of the statuses of
 // protocol/Reply.hpp.
 #include "protocol/FrontEnd.hpp"
+#include "protocol/ImmediateExit.hpp"
 #include "protocol/Protocol.hpp"
 #include "FrontEndChoice.hpp"
 
@@ -79,6 +80,7 @@ int main(int argc, char **argv)
             writeReply(formatReply(windowName, nullptr, false, {}, log));
             return kBadCommandLine;
         }
+        prepareImmediateExit(windowName, log);
         Answer answer;
         Outcome outcome;
         {

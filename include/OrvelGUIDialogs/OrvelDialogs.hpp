@@ -21,6 +21,9 @@ ORV_EXPORT void SetOrvelSignVersion(const char *version);
 // The most bytes read from a GUI application's output (ORV_SetOutputLimit);
 // here 0 is stored as it is and refuses every reply.
 ORV_EXPORT void SetOutputLimit(unsigned long long bytes);
+// The host's window for the dialogs to stay above (ORV_SetParentWindow);
+// here a text that cannot be used clears it, as null and "" do.
+ORV_EXPORT void SetParentWindow(const char *handle);
 // The log as NUL-terminated UTF-8, or null while nothing has been logged.
 ORV_EXPORT const char *GetLogBuffer();
 

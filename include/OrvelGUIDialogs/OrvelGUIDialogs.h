@@ -46,6 +46,15 @@ ORV_EXPORT long ORV_GetLog(const char **log);
  * the limit and the dialog returns 7. One GUI log adds at most a quarter of
  * it to the diagnostic log; the rest is cut off with an entry that says so. */
 ORV_EXPORT long ORV_SetOutputLimit(unsigned long long bytes);
+/* The host's own window, which the dialogs' windows then stay above (made
+ * transient for it) where the window system allows: "x11:" and the window
+ * id ("x11:0x3a00007"), or "wayland:" and a handle the host exported with
+ * xdg-foreign. The GUI application gets it in its environment
+ * (ORVEL_GUI_PARENT_WINDOW), never on its command line, and logs when it
+ * cannot use it. Null or "" clears it. Text that is not UTF-8, holds a
+ * control character or is longer than 1024 bytes gives 1 and changes
+ * nothing. */
+ORV_EXPORT long ORV_SetParentWindow(const char *handle);
 
 /* Modal dialogs: each returns after the GUI application has exited. */
 ORV_EXPORT long ORV_MessageBox(const char *message, const char *info, int icon);

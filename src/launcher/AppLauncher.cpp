@@ -1,6 +1,7 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
+#include "launcher/GuiEnvironment.hpp"
 #include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "launcher/ScriptedChild.hpp"
@@ -110,7 +111,7 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     task->setStandardOutput(std::move(output.writeEnd));
     setInputHandle(std::make_shared<FileHandle>(std::move(input.writeEnd)));
     setOutputHandle(std::make_shared<FileHandle>(std::move(output.readEnd)));
-    OrvelDialogs::Launcher::giveArgumentsToTask(*task, arguments);
+    OrvelDialogs::Launcher::giveArgumentsToTask(*task, arguments, OrvelDialogs::Launcher::settingsForGui());
 
     task->launch();
 }

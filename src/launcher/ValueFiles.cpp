@@ -82,18 +82,24 @@ std::vector<size_t> valuesToMove(const std::vector<std::string> &arguments, size
     return indices;
 }
 
-void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &arguments)
+void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &arguments,
+                         std::vector<GuiVariable> variables)
 {
     // A host's own variable of that name never reaches the child: there a
     // literal value would read as a reference.
-    task.environment().set(kValueFilesVariable, std::nullopt);
-    const size_t path = task.launchPath().size() + 1;
+    variables.push_back({kValueFilesVariable, std::nullopt});
+    std::vector<std::string> environment = childEnvironment(variables);
+    size_t environmentBytes = kPointer;
+    for (const std::string &entry : environment)
+        environmentBytes += entry.size() + 1 + kPointer;
     // The path stands twice (argv[0] and the name of the program run); a few
     // pages for what the kernel adds besides.
-    const size_t otherBytes = 2 * path + kPointer + task.environment().bytes() + 4 * pageSize();
+    const size_t path = task.launchPath().size() + 1;
+    const size_t otherBytes = 2 * path + kPointer + environmentBytes + 4 * pageSize();
     const std::vector<size_t> moved = valuesToMove(arguments, otherBytes, execLimits());
     if (moved.empty()) {
         task.setArguments(arguments);
+        task.setEnvironment(std::move(environment));
         return;
     }
     // Only the values that stay are copied; a moved one goes straight from
@@ -117,7 +123,8 @@ void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &a
     }
     task.setArguments(std::move(passed));
     task.setInheritedFiles(std::move(files));
-    task.environment().set(kValueFilesVariable, std::move(announcement));
+    variables.back().value = std::move(announcement);
+    task.setEnvironment(childEnvironment(variables));
 }
 
 } // namespace OrvelDialogs::Launcher

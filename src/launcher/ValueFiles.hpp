@@ -14,6 +14,8 @@
 // variable of that name that the host's own environment holds.
 #pragma once
 
+#include "launcher/GuiEnvironment.hpp"
+
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -43,8 +45,10 @@ std::vector<size_t> valuesToMove(const std::vector<std::string> &arguments, size
                                  const ExecLimits &limits);
 
 // Gives `task` (its launch path set) `arguments`, each value that does not
-// fit replaced by its reference, with its files and the announcement. Raises
-// the platform exception when a file cannot be made.
-void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &arguments);
+// fit replaced by its reference, with its files, and the environment with
+// `variables` and the announcement. Raises the platform exception when a
+// file cannot be made.
+void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &arguments,
+                         std::vector<GuiVariable> variables);
 
 } // namespace OrvelDialogs::Launcher

@@ -13,6 +13,8 @@
 
 #include <cstring>
 
+extern char **environ;
+
 namespace OrvelDialogs::Platform {
 namespace {
 
@@ -142,13 +144,17 @@ void Task::launch()
     for (auto &argument : arguments_)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
-
-    std::vector<std::string> environmentStorage;
-    const std::vector<char *> environment = environment_.entries(environmentStorage);
+    std::vector<char *> envp;
+    if (environment_) {
+        envp.reserve(environment_->size() + 1);
+        for (auto &entry : *environment_)
+            envp.push_back(entry.data());
+        envp.push_back(nullptr);
+    }
 
     pid_t pid = -1;
-    const int error =
-        posix_spawn(&pid, launchPath_.c_str(), actions.get(), attributes.get(), argv.data(), environment.data());
+    const int error = posix_spawn(&pid, launchPath_.c_str(), actions.get(), attributes.get(), argv.data(),
+                                  environment_ ? envp.data() : environ);
     if (error != 0)
         raiseSystemError("posix_spawn " + launchPath_, error);
     pid_ = pid;

@@ -1,7 +1,7 @@
 // A GUI application stand-in for the tests, scripted through the FAKEGUI_*
 // environment variables that support/FakeGui.hpp sets (the library's child
 // inherits the test's environment). In this order it records its arguments,
-// open descriptors, signal state and the value files that
+// environment, open descriptors, signal state and the value files that
 // ORVEL_GUI_VALUE_FILES announces in FAKEGUI_RECORD_DIR, waits for
 // FAKEGUI_GATE_FILE, reads and records its input (FAKEGUI_READ_STDIN), writes
 // its reply (the file FAKEGUI_REPLY_FILE or the text FAKEGUI_REPLY, then
@@ -73,13 +73,12 @@ std::string signalState()
     return state;
 }
 
-// The announcement, then for each file it names a line "<option> <seals>
+// For each file that ORVEL_GUI_VALUE_FILES names a line "<option> <seals>
 // <bytes>" in "valuefiles", and what the file holds in "value<option>".
 template <typename Record>
 void recordValueFiles(const Record &record)
 {
     const char *announced = std::getenv("ORVEL_GUI_VALUE_FILES");
-    record("announcement", announced ? announced : "(none)");
     std::istringstream entries(announced ? announced : "");
     std::string lines;
     for (std::string entry; std::getline(entries, entry, ',');) {
@@ -106,6 +105,10 @@ int main(int argc, char **argv)
     for (int i = 1; i < argc; ++i)
         arguments += std::string(argv[i]) + '\0';
     record("argv", arguments);
+    std::string environment;
+    for (char **entry = environ; *entry != nullptr; ++entry)
+        environment += std::string(*entry) + '\0';
+    record("environ", environment);
     record("fds", openDescriptors());
     record("signals", signalState());
     recordValueFiles(record);

@@ -15,6 +15,15 @@ constexpr const char *kVariables[] = {
     "FAKEGUI_FILL_BYTES", "FAKEGUI_FILL_CHAR", "FAKEGUI_REPLY_SUFFIX", "FAKEGUI_CLOSE_STDOUT",
     "FAKEGUI_GRANDCHILD_MS", "FAKEGUI_SLEEP_MS", "FAKEGUI_SIGNAL", "FAKEGUI_EXIT", "FAKEGUI_GATE_FILE"};
 
+std::vector<std::string> zeroTerminated(const std::string &bytes)
+{
+    std::vector<std::string> texts;
+    size_t start = 0;
+    for (size_t zero; (zero = bytes.find('\0', start)) != std::string::npos; start = zero + 1)
+        texts.push_back(bytes.substr(start, zero - start));
+    return texts;
+}
+
 } // namespace
 
 FakeGui::FakeGui() : recordDir_(makeTempDir())
@@ -55,12 +64,12 @@ FakeGui &FakeGui::fill(size_t count, char fill, std::string_view suffix)
 
 std::vector<std::string> FakeGui::arguments() const
 {
-    const std::string bytes = readFile(recordDir_ + "/argv");
-    std::vector<std::string> arguments;
-    size_t start = 0;
-    for (size_t zero; (zero = bytes.find('\0', start)) != std::string::npos; start = zero + 1)
-        arguments.push_back(bytes.substr(start, zero - start));
-    return arguments;
+    return zeroTerminated(readFile(recordDir_ + "/argv"));
+}
+
+std::vector<std::string> FakeGui::environment() const
+{
+    return zeroTerminated(readFile(recordDir_ + "/environ"));
 }
 
 std::string FakeGui::stdinBytes() const
@@ -80,6 +89,15 @@ std::vector<int> FakeGui::openDescriptors() const
 std::string FakeGui::signalState() const
 {
     return recorded("signals");
+}
+
+std::string FakeGui::announcement() const
+{
+    constexpr std::string_view kName = "ORVEL_GUI_VALUE_FILES=";
+    for (const std::string &entry : environment())
+        if (entry.starts_with(kName))
+            return entry.substr(kName.size());
+    return "(none)";
 }
 
 std::string FakeGui::recorded(const std::string &name) const

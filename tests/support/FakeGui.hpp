@@ -39,13 +39,14 @@ public:
 
     // What the last child recorded.
     std::vector<std::string> arguments() const;
+    std::vector<std::string> environment() const; // "NAME=value", in order
     std::string stdinBytes() const;
     std::vector<int> openDescriptors() const;
     std::string signalState() const;
     // ORVEL_GUI_VALUE_FILES as the child saw it, or "(none)"; for each file
     // it names a line "<option> <seals> <bytes>"; what the file of `option`
     // held.
-    std::string announcement() const { return recorded("announcement"); }
+    std::string announcement() const;
     std::string valueFiles() const { return recorded("valuefiles"); }
     std::string valueRead(const std::string &option) const { return recorded("value" + option); }
     bool ran() const;

@@ -2,6 +2,7 @@
 
 #include "protocol/Base64.hpp"
 #include "protocol/FileFilter.hpp"
+#include "protocol/HostLanguage.hpp"
 #include "protocol/ValueFiles.hpp"
 
 #include <OrvelGUIDialogs/Certificate.hpp>
@@ -203,7 +204,8 @@ private:
                 return false;
             request.language = language == 0 ? Language::Czech : language == 1 ? Language::Slovak : Language::English;
         } else {
-            request.language = languageFromEnvironment();
+            const auto host = languageFromHost(log_);
+            request.language = host ? *host : languageFromEnvironment();
         }
         if (request.window == Window::FileOpen || request.window == Window::FileSave) {
             const std::string_view *filter = option("-fileFilter");
