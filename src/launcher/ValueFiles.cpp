@@ -23,8 +23,13 @@ size_t pageSize()
     return page > 0 ? static_cast<size_t>(page) : 4096;
 }
 
-} // namespace
+struct ExecLimits {
+    size_t argumentBytes = 0; // one argument, with its terminating zero
+    size_t totalBytes = 0;    // every argument and environment string, with zeros and pointers
+};
 
+// The limits of the system this process runs on (Linux reads the stack limit
+// that the child inherits).
 ExecLimits execLimits()
 {
 #ifdef __linux__
@@ -46,6 +51,10 @@ ExecLimits execLimits()
 #endif
 }
 
+// The indices of the values (the arguments after an option name, the window
+// name excepted) to move, in argument order: the largest first, until every
+// argument fits and the whole, with `otherBytes` for the program's path and
+// the environment, does. Empty when everything fits as it is.
 std::vector<size_t> valuesToMove(const std::vector<std::string> &arguments, size_t otherBytes,
                                  const ExecLimits &limits)
 {
@@ -81,6 +90,8 @@ std::vector<size_t> valuesToMove(const std::vector<std::string> &arguments, size
     std::sort(indices.begin(), indices.end());
     return indices;
 }
+
+} // namespace
 
 void giveArgumentsToTask(Platform::Task &task, const std::vector<std::string> &arguments,
                          std::vector<GuiVariable> variables)

@@ -16,7 +16,6 @@
 
 #include "launcher/GuiEnvironment.hpp"
 
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -27,22 +26,6 @@ class Task;
 namespace OrvelDialogs::Launcher {
 
 inline constexpr const char *kValueFilesVariable = "ORVEL_GUI_VALUE_FILES";
-
-struct ExecLimits {
-    size_t argumentBytes = 0; // one argument, with its terminating zero
-    size_t totalBytes = 0;    // every argument and environment string, with zeros and pointers
-};
-
-// The limits of the system this process runs on (Linux reads the stack limit
-// that the child inherits).
-ExecLimits execLimits();
-
-// The indices of the values (the arguments after an option name, the window
-// name excepted) to move, in argument order: the largest first, until every
-// argument fits and the whole, with `otherBytes` for the program's path and
-// the environment, does. Empty when everything fits as it is.
-std::vector<size_t> valuesToMove(const std::vector<std::string> &arguments, size_t otherBytes,
-                                 const ExecLimits &limits);
 
 // Gives `task` (its launch path set) `arguments`, each value that does not
 // fit replaced by its reference, with its files, and the environment with
