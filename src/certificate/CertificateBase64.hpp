@@ -1,9 +1,13 @@
-// The certificate codec's encoder on any bytes, for callers inside the library
-// whose bytes are not in a std::string (the list's XML in libplist's buffer).
+// The certificate codec on any bytes, for callers inside the library whose
+// bytes are not in a std::string (the list's XML in libplist's buffer, a
+// value file mapped by the GUI application).
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+class Certificate;
 
 namespace OrvelDialogs::CertificateCodec {
 
@@ -11,5 +15,10 @@ namespace OrvelDialogs::CertificateCodec {
 std::string encode(std::string_view bytes);
 // The same text in `text`, whose room is reused.
 void encodeInto(std::string_view bytes, std::string &text);
+
+// Certificate::decodeCertificateArrayFromPropertyList on the list text's
+// bytes, already decoded: for a GUI application that has them decoded (and
+// checked) already.
+int decodeList(std::string_view propertyList, std::vector<Certificate> &outArray);
 
 } // namespace OrvelDialogs::CertificateCodec
