@@ -60,6 +60,19 @@ TEST(GuiApp, BadCommandLinesExitWithFiveAndALog)
         const std::string window = arguments.size() >= 2 ? arguments[1] : "";
         play(kGui, {"", arguments, {"=5", "^" + window + " -log ", "@Bad command line"}, false}, true);
     }
+    // References that the announcement does not back: malformed, naming an
+    // option whose value is no reference or that is missing, a descriptor
+    // that holds no sealed file of the size.
+    const std::vector<std::string> box = {"-window", "MessageBox", "-message", "@fd:3"};
+    const std::pair<std::string, std::string> announcements[] = {
+        {"-message", "is malformed"}, {"-message:3", "is malformed"}, {"-message:2:5", "is malformed"},
+        {"-message:3:5,-message:4:5", "is malformed"}, {"-info:3:5", "-info: the command line has no such option"},
+        {"-message:4:5", "is not the reference @fd:4"}, {"-message:3:5", "-message: descriptor 3 "}};
+    for (const auto &[announced, why] : announcements) {
+        SCOPED_TRACE(announced);
+        play(kGui, {"", box, {"=5", "@Bad command line", "@" + why}, false, {"ORVEL_GUI_VALUE_FILES=" + announced}},
+             true);
+    }
 }
 
 std::vector<Session> guiSessions()
@@ -90,6 +103,9 @@ std::vector<Session> guiSessions()
     return {
         {"MessageWithoutATerminalRepliesAndExitsWithSix", {"-window", "MessageBox", "-message", "Hi", "-icon", "1"},
          {"=6", "^MessageBox -log ", "@No terminal"}, false},
+        // Announced nowhere, it is a value like any other.
+        {"AValueLikeAReferenceIsAValue", {"-window", "MessageBox", "-lang", "2", "-message", "@fd:3"},
+         {"?@fd:3", kEnter, "=0"}},
         {"CertificateSelectionShowsTheListAndRepliesTheIndex",
          {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "0", "-certs", certificateList(true)},
          {"?Výber certifikátu", "?Jiří Novák | platný do 2126-10-29", "?Bob Example | platný do 2026-12-01 | zostáva "
@@ -274,8 +290,12 @@ std::vector<Session> toolSessions()
          ends(7, "výsledek 7: výměna"), false},
         {"Help", {"save", "--help"}, ends(0, "--buffer-size"), false},
         {"Version", {"-V"}, ends(0, "orvel-dialogs " ORVEL_PROJECT_VERSION), false},
-        {"ATextTooLongForTheCommandLineNamesTheCause", {"--lang", "en", "message", "--message-file", "{dir}/long.txt"},
-         ends(7, "cause: posix_spawn", "Argument list too long\n/"), false, {}, {{"long.txt", std::string(200000, 'a')}}},
+        // Sent in a sealed memory file, read to its end.
+        {"ADocumentTooLargeForTheCommandLineIsShownWhole",
+         {"confirm-signature", "--lang", "en", "--data-file", "{dir}/contract.txt", alice},
+         {"?Clause 1: the buyer pays.", "!\x1b[F", "?Clause 12000: the buyer pays.", "!1", "?> 1. Sign", kEnter, "=0",
+          ">confirmed 0\n"},
+         true, {}, {{"contract.txt", clauses(12000)}}},
         // A command that is none ends the tool with 65 after closing the
         // notice; --log still prints the log.
         {"ReinsertMessageNotFromStdin", {"--lang", "en", "--log", "reinsert", "--message-file", "-"},

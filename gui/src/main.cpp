@@ -1,7 +1,7 @@
 // OrvelGUI: the reference GUI application of libOrvelGUIDialogs. The library
 // starts it with "-window NAME" and option pairs; it asks the user, writes
 // its reply to standard output and exits with one of the statuses of
-// Protocol.hpp.
+// protocol/Reply.hpp.
 #include "common/PasswordMemory.hpp"
 #include "protocol/FrontEnd.hpp"
 #include "protocol/ImmediateExit.hpp"

@@ -34,7 +34,9 @@ public:
     void setGuiTask(TaskPtr task);
 
     // Starts the executable of the bundle at `bundlePath` and returns at once.
-    // Throws the platform exception when it cannot be started.
+    // Values too large for a command line go in sealed memory files
+    // (docs/PROTOCOL.md). Throws the platform exception when it cannot be
+    // started.
     void Launch(const std::string &bundlePath, const std::vector<std::string> &arguments);
     // Blocks until the child has exited, keeping its standard output drained
     // so that no reply size can block it.

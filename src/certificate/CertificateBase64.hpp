@@ -1,9 +1,13 @@
-// The certificate codec on bytes and text that are not in a std::string (the
-// list's XML in libplist's buffer, a token of the reply).
+// The certificate codec on any bytes and text, for callers inside the library
+// whose bytes are not in a std::string (the list's XML in libplist's buffer, a
+// value file mapped by the GUI application, a token of the reply).
 #pragma once
 
 #include <string>
 #include <string_view>
+#include <vector>
+
+class Certificate;
 
 namespace OrvelDialogs::CertificateCodec {
 
@@ -14,5 +18,10 @@ void encodeInto(std::string_view bytes, std::string &text);
 // What Certificate::b64StringToData gives, in `bytes` (emptied first): no
 // copy of the text, and the caller decides what becomes of the room.
 void decodeInto(std::string_view text, std::string &bytes);
+
+// Certificate::decodeCertificateArrayFromPropertyList on the list text's
+// bytes, already decoded: for a GUI application that has them decoded (and
+// checked) already.
+int decodeList(std::string_view propertyList, std::vector<Certificate> &outArray);
 
 } // namespace OrvelDialogs::CertificateCodec

@@ -5,6 +5,7 @@
 #include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "launcher/ScriptedChild.hpp"
+#include "launcher/ValueFiles.hpp"
 #include "platform/Bundle.hpp"
 #include "platform/FileHandle.hpp"
 #include "platform/HostText.hpp"
@@ -90,9 +91,9 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
 {
     auto task = std::make_shared<Task>();
     setGuiTask(task);
-    task->setArguments(arguments);
 
     if (currentScript != nullptr) {
+        task->setArguments(arguments);
         task->adoptExitedChild(currentScript->status);
         setInputHandle(std::make_shared<FileHandle>(OrvelDialogs::Platform::makePipe().writeEnd));
         setOutputHandle(std::make_shared<FileHandle>(fileHolding(currentScript->output)));
@@ -103,7 +104,6 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     if (!executable)
         throw PlatformException("no application bundle with an executable at \"" + bundlePath + "\"");
     task->setLaunchPath(*executable);
-    task->setEnvironment(OrvelDialogs::Launcher::childEnvironment(OrvelDialogs::Launcher::settingsForGui()));
 
     auto input = OrvelDialogs::Platform::makePipe();
     auto output = OrvelDialogs::Platform::makePipe();
@@ -112,6 +112,7 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     task->setStandardOutput(std::move(output.writeEnd));
     setInputHandle(std::make_shared<FileHandle>(std::move(input.writeEnd)));
     setOutputHandle(std::make_shared<FileHandle>(std::move(output.readEnd)));
+    OrvelDialogs::Launcher::giveArgumentsToTask(*task, arguments, OrvelDialogs::Launcher::settingsForGui());
 
     task->launch();
 }

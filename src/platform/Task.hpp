@@ -1,8 +1,8 @@
 // One child process: program, argument vector, standard input and output.
-// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2,
-// the host's standard error and working directory, and starts
-// with an empty signal mask and default signal dispositions. Its environment
-// is the host's unless the task is given one.
+// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2
+// (and the files it is given, from 3 on), the host's standard error and
+// working directory, and starts with an empty signal mask and default signal
+// dispositions. Its environment is the host's unless the task is given one.
 #pragma once
 
 #include "platform/Descriptor.hpp"
@@ -35,6 +35,11 @@ public:
     // the child (or failed to).
     void setStandardInput(UniqueFd childEnd) { childStdin_ = std::move(childEnd); }
     void setStandardOutput(UniqueFd childEnd) { childStdout_ = std::move(childEnd); }
+    // Files the child gets as descriptors kFirstInheritedFile, + 1, ... in
+    // this order; the task closes its copies once it has started the child
+    // (or failed to).
+    static constexpr int kFirstInheritedFile = 3;
+    void setInheritedFiles(std::vector<UniqueFd> files) { inheritedFiles_ = std::move(files); }
 
     // Starts the child without waiting. Raises the platform exception when
     // the program cannot be started.
@@ -86,6 +91,7 @@ private:
     std::optional<std::vector<std::string>> environment_;
     UniqueFd childStdin_;
     UniqueFd childStdout_;
+    std::vector<UniqueFd> inheritedFiles_;
     UniqueFd pidFd_;
     pid_t pid_ = -1;
     State state_ = State::NotLaunched;

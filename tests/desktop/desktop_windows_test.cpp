@@ -167,6 +167,8 @@ private slots:
         QTest::newRow("short text") << QByteArray("Pay 100 EUR") << true << "Pay 100 EUR";
         QTest::newRow("long text") << QByteArray("Clause.\n").repeated(400) << false << "Clause.";
         QTest::newRow("bytes that are not text") << QByteArray("Pay 100 \xe9UR") << true << "50 61 79 20";
+        QTest::newRow("a 1 MB document, whole") << QByteArray("Clause of the contract.\n").repeated(44000) + "The end."
+                                                << false << "The end.";
     }
     void signatureNeverSignsUnread()
     {

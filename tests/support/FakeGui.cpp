@@ -88,7 +88,21 @@ std::vector<int> FakeGui::openDescriptors() const
 
 std::string FakeGui::signalState() const
 {
-    return readFile(recordDir_ + "/signals");
+    return recorded("signals");
+}
+
+std::string FakeGui::announcement() const
+{
+    constexpr std::string_view kName = "ORVEL_GUI_VALUE_FILES=";
+    for (const std::string &entry : environment())
+        if (entry.starts_with(kName))
+            return entry.substr(kName.size());
+    return "(none)";
+}
+
+std::string FakeGui::recorded(const std::string &name) const
+{
+    return readFile(recordDir_ + "/" + name);
 }
 
 bool FakeGui::ran() const

@@ -45,10 +45,17 @@ public:
     std::string stdinBytes() const;
     std::vector<int> openDescriptors() const;
     std::string signalState() const;
+    // ORVEL_GUI_VALUE_FILES as the child saw it, or "(none)"; for each file
+    // it names a line "<option> <seals> <bytes>"; what the file of `option`
+    // held.
+    std::string announcement() const;
+    std::string valueFiles() const { return recorded("valuefiles"); }
+    std::string valueRead(const std::string &option) const { return recorded("value" + option); }
     bool ran() const;
 
 private:
     FakeGui &set(const char *name, const std::string &value);
+    std::string recorded(const std::string &name) const;
 
     std::string recordDir_;
 };
