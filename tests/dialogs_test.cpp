@@ -11,9 +11,13 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 
 using OrvelTest::base64;
@@ -441,6 +445,14 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
             return std::to_string(result) + " " + path.describe() + " " + value.describe();
         };
     };
+    const auto masked = [](std::function<std::string()> call) {
+        return [=] {
+            ORV_SetMaskSecrets(1);
+            const std::string outcome = call();
+            ORV_SetMaskSecrets(0);
+            return outcome;
+        };
+    };
     const std::string index = "Index vybraného certifikátu neodpovídá povolenému obsahu\n\n", path8 = "/tmp/a.b";
     const std::string selectFormat = "Neočekávaný formát odpovědi z okna SelectCertificate\n\n";
     const std::string confirmFormat = "Neočekávaný formát odpovědi z okna ConfirmSignature\n\n";
@@ -517,6 +529,9 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
         {emptyBoth, 0, pkcs12(1, 1), "0 zero zero", emptyBoth + "\n" + hello},
         {"SelectPKCS12 " + base64("/k.p12") + " " + base64("heslo"), 0, pkcs12(7, 6), "0 zero zero"},
         {badValue, 0, pkcs12(7, 6), "7 zero zero", badValue + "\n" + hello},
+        // Masked on request: the password's token only; "-log" in its place hides nothing.
+        {both, 0, masked(pkcs12(7, 6)), "0 /k.p12 heslo", "SelectPKCS12 " + base64("/k.p12") + " ******** -log "},
+        {pathOnly, 0, masked(pkcs12(7, 6)), "0 /k.p12 zero", pathOnly + "\n" + hello},
     };
     for (const auto &c : cases) {
         gui.reply(c.reply).exitStatus(c.exit);
@@ -650,6 +665,91 @@ TEST_F(Dialogs, ShowingANoticeTwiceReachesOnlyTheSecond)
     // The first one's input was closed when it was replaced: it has ended.
     EXPECT_TRUE(OrvelTest::childrenHaveExited());
     EXPECT_EQ(gui.stdinBytes(), "");
+}
+
+// The memory test's password lives here only masked (each byte XOR kMask), so
+// that a scan of this process finds the library's copies and no test's own.
+constexpr char kMask = 0x5A;
+
+// Where the masked `needle` stands in this process's writable memory; the
+// scan's own buffer is left out. Mappings of 4 GiB and more are sanitizer
+// shadow, never the heap.
+std::vector<uintptr_t> placesInMemory(const std::string &needle)
+{
+    static char chunk[1 << 20];
+    const auto own = reinterpret_cast<uintptr_t>(chunk);
+    std::vector<std::pair<uintptr_t, uintptr_t>> regions;
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        unsigned long begin = 0, end = 0;
+        char perms[5] = {};
+        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, perms) == 3 && perms[0] == 'r' &&
+            perms[1] == 'w' && end - begin < (1ul << 32))
+            regions.emplace_back(begin, end);
+    }
+    const auto unmasked = [](char m, char c) { return (c ^ kMask) == m; };
+    std::vector<uintptr_t> found;
+    const int mem = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
+    for (auto [at, end] : regions) {
+        while (at < end) {
+            if (at >= own && at < own + sizeof chunk) {
+                at = own + sizeof chunk;
+                continue;
+            }
+            const size_t want = std::min<uintptr_t>({sizeof chunk, end - at, at < own ? own - at : SIZE_MAX});
+            const ssize_t n = pread(mem, chunk, want, static_cast<off_t>(at));
+            if (n < static_cast<ssize_t>(needle.size()))
+                break;
+            // Candidates by their first byte: memchr keeps a debug build fast.
+            const char *p = chunk, *last = chunk + n - needle.size();
+            while (p <= last && (p = static_cast<const char *>(std::memchr(p, needle[0] ^ kMask, last - p + 1)))) {
+                if (std::equal(needle.begin(), needle.end(), p, unmasked))
+                    found.push_back(at + static_cast<uintptr_t>(p - chunk));
+                ++p;
+            }
+            at += static_cast<size_t>(n) - needle.size() + 1;
+        }
+    }
+    close(mem);
+    return found;
+}
+
+TEST_F(Dialogs, ThePkcs12PasswordStaysOnlyInTheHostsBufferAndTheLog)
+{
+    for (const bool maskSecrets : {false, true}) {
+        SCOPED_TRACE(maskSecrets ? "masked" : "not masked");
+        std::string password;
+        for (std::ifstream random("/dev/urandom"); password.size() < 40;)
+            password += static_cast<char>(('a' + static_cast<unsigned char>(random.get()) % 26) ^ kMask);
+        const std::string token = base64(password, kMask);
+        const std::string replyFile = scratch / "reply";
+        const int fd = open(replyFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        const std::string head = "SelectPKCS12 " + base64("/k.p12") + " ", tail = " -log " + base64("hello") + "\n";
+        char clear[64] = {};
+        std::transform(token.begin(), token.end(), clear, [](char c) { return static_cast<char>(c ^ kMask); });
+        ASSERT_TRUE(write(fd, head.data(), head.size()) > 0 && write(fd, clear, token.size()) > 0 &&
+                    write(fd, tail.data(), tail.size()) > 0);
+        explicit_bzero(clear, sizeof clear);
+        close(fd);
+        gui.replyFile(replyFile);
+        ORV_SetMaskSecrets(maskSecrets);
+        HostBuffer path(64), value(64);
+        ASSERT_EQ(ORV_SelectPKCS12(path.bytes.get(), path.size, value.bytes.get(), value.size), 0);
+        // Searched for without their first 16 bytes, which malloc overwrites
+        // in memory it took back.
+        const auto hostsBuffer = reinterpret_cast<uintptr_t>(value.bytes.get());
+        EXPECT_EQ(placesInMemory(password.substr(16)), std::vector{hostsBuffer + 16});
+        for (int round = 0; round < 2; ++round) {
+            const char *log = nullptr;
+            ORV_GetLog(&log);
+            const auto inLog = [&](uintptr_t at) { return at - reinterpret_cast<uintptr_t>(log) < std::strlen(log); };
+            const std::vector<uintptr_t> places = placesInMemory(token.substr(16));
+            EXPECT_EQ(places.size(), maskSecrets ? 0u : 1u);
+            EXPECT_TRUE(std::all_of(places.begin(), places.end(), inLog));
+            // Once more after the log has grown into new room.
+            logMsg(std::string(4u << 20, '.'));
+        }
+    }
 }
 
 TEST(FileFilter, ReadsThePatternsOfEveryEntry)

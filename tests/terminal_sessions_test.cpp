@@ -97,6 +97,7 @@ std::vector<Session> guiSessions()
     const auto titled = [](const std::string &title) {
         return std::vector<std::string>{"?" + title + "\x1b[0m", kEnter, "=0"};
     };
+    const std::string asanOptions = std::getenv("ASAN_OPTIONS") ? std::getenv("ASAN_OPTIONS") : "";
     const std::vector<std::string> done = {"-window", "MessageBox", "-message", "Hotovo"};
     const std::vector<std::string> notice = {"-window", "ReinsertCard", "-message", "Card"};
     return {
@@ -119,6 +120,11 @@ std::vector<Session> guiSessions()
           "!wrong\r", "?Wrong password. Try again.", "!pä", "!ss", "?****", kEnter, "=0",
           "^SelectPKCS12 " + base64(id) + " " + base64("päss") + " -log ", "%päss"},
          true, {}, {{"bogus.p12", "-----BEGIN CERTIFICATE-----"}}},
+        // While it asks for the password the application may not be dumped.
+        {"Pkcs12WindowCannotBeDumped", {"-window", "SelectPKCS12", "-lang", "2", "-filename", id},
+         {"?PKCS#12 file: ", kEnter, "?Password: ", "~" + std::to_string(SIGURG), "?[dumpable 0, core limit 0]",
+          "!päss\r", "=0"},
+         true, {"LD_PRELOAD=" ORVEL_DUMPABLE_PROBE, "ASAN_OPTIONS=verify_asan_link_order=0:" + asanOptions}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},
          {"?Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák", "?Valid until:\x1b[0m 2126-10-29",
           "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:"
@@ -305,6 +311,8 @@ std::vector<Session> toolSessions()
          replying(pkcs12Reply)},
         {"LoggedReplyHidesThePassword", {"--app", app, "--log", "pkcs12"},
          ends(0, "SelectPKCS12 L2EucDEy ******** -log", "c2VjcmV0"), false, replying(pkcs12Reply)},
+        {"LogShowsThePasswordWhenAskedTo", {"--app", app, "--log", "pkcs12", "--show-password"},
+         ends(0, "SelectPKCS12 L2EucDEy c2VjcmV0 -log"), false, replying(pkcs12Reply)},
         {"AnswerStatus", {"--app", app, "--answer-status", "yesno", "--message", "m"}, ends(1, "no\n"), false,
          replying("YesNoDialog no -log ")},
         {"JsonAnswer", {"--app", app, "--answer-status", "--json", "confirm-signature", "--data", "x", bob},

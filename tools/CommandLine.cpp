@@ -125,7 +125,7 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
         ->type_name("HANDLE");
     app.add_flag("--log", call.log,
                  "print the library's diagnostic log to stderr at the end, control characters escaped and the "
-                 "PKCS#12 password masked");
+                 "PKCS#12 password masked (unless pkcs12 --show-password)");
     app.add_flag("--json", call.json, "print one JSON object with result, meaning and value to stdout");
     app.add_flag("--answer-status", call.answerStatus, "exit with 1 when the answer is no or declined");
 
@@ -188,7 +188,8 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
     addText(*pkcs12, "--filename", call.filename, "the file to start from", "PATH");
     addBufferSize(*pkcs12, call.bufferSize, 1);
     pkcs12->add_flag("--show-password", call.showPassword,
-                     "print the password as a second line (without it: only its length, on stderr)");
+                     "print the password as a second line (without it: only its length, on stderr); with --log "
+                     "the log shows it too");
 
     try {
         app.parse(argc, argv);

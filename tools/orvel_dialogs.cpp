@@ -31,19 +31,20 @@ namespace {
 using namespace OrvelTool;
 namespace fs = std::filesystem;
 
-// The reference GUI application: next to the tool in the build tree, or in
-// the installed layout.
+// The reference GUI application. The tool in the build tree takes the bundle
+// built with it; any other copy of the tool (the installed one) looks only in
+// its own installed layout, never at a build tree's place relative to itself.
 std::optional<std::string> defaultApp()
 {
     const std::string folder = OrvelGui::executableFolder();
     if (folder.empty())
         return std::nullopt;
-    for (const char *relative : {ORVEL_GUI_FROM_BUILD_TREE, ORVEL_GUI_FROM_INSTALL}) {
-        const fs::path candidate = (fs::path(folder) / relative).lexically_normal();
-        std::error_code error;
-        if (fs::is_regular_file(candidate / "Contents" / "Info.plist", error))
-            return candidate.string();
-    }
+    const fs::path candidate = folder == ORVEL_TOOL_BUILD_DIR
+                                   ? fs::path(ORVEL_GUI_BUILD_TREE_BUNDLE)
+                                   : (fs::path(folder) / ORVEL_GUI_FROM_INSTALL).lexically_normal();
+    std::error_code error;
+    if (fs::is_regular_file(candidate / "Contents" / "Info.plist", error))
+        return candidate.string();
     return std::nullopt;
 }
 
@@ -367,7 +368,7 @@ int report(const Invocation &call, ToolLanguage language, int status, const Answ
     const bool dialogResult = status < kUsageError;
     const char *rawLog = nullptr;
     ORV_GetLog(&rawLog);
-    const std::string log = logForDisplay(rawLog ? rawLog : "", texts, call.command == "pkcs12");
+    const std::string log = logForDisplay(rawLog ? rawLog : "", texts);
     const std::optional<std::string> cause = status != 0 && status != 2 ? failureCause(log) : std::nullopt;
 
     if (call.json && dialogResult) {
@@ -425,6 +426,8 @@ int main(int argc, char **argv)
     if (call.lang)
         ORV_SetLanguage(*call.lang == "cs" ? 0 : *call.lang == "sk" ? 1 : 2);
     ORV_SetAppPath(app->c_str());
+    // The log keeps the PKCS#12 password masked unless it is asked to show it.
+    ORV_SetMaskSecrets(call.log && call.showPassword ? 0 : 1);
 
     Answer answer;
     const int status = Dialogs(call, toolTexts(language)).run(answer);

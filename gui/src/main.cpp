@@ -2,6 +2,7 @@
 // starts it with "-window NAME" and option pairs; it asks the user, writes
 // its reply to standard output and exits with one of the statuses of
 // protocol/Reply.hpp.
+#include "common/PasswordMemory.hpp"
 #include "protocol/FrontEnd.hpp"
 #include "protocol/ImmediateExit.hpp"
 #include "protocol/Protocol.hpp"
@@ -45,8 +46,7 @@ Outcome show(FrontEnd &frontEnd, const Request &request, Answer &answer, GuiLog 
     return Outcome::Cancelled;
 }
 
-int finish(const std::string &windowName, const Request *request, Outcome outcome, const Answer &answer,
-           GuiLog &log)
+int finish(const std::string &windowName, const Request *request, Outcome outcome, Answer &answer, GuiLog &log)
 {
     int status = kAnswered;
     switch (outcome) {
@@ -60,7 +60,11 @@ int finish(const std::string &windowName, const Request *request, Outcome outcom
         status = kNoUserInterface;
         break;
     }
-    writeReply(formatReply(windowName, request, outcome == Outcome::Answered, answer, log));
+    std::string reply = formatReply(windowName, request, outcome == Outcome::Answered, answer, log);
+    writeReply(reply);
+    // The password has gone to the host; no copy of it stays here.
+    wipeSecret(reply);
+    wipeSecret(answer.secondValue);
     return status;
 }
 
@@ -81,6 +85,12 @@ int main(int argc, char **argv)
             return kBadCommandLine;
         }
         prepareImmediateExit(windowName, log);
+        if (parsed.request->window == Window::SelectPKCS12) {
+            // This window asks for a password: no core dump or debugger of
+            // the same user may read it from here on.
+            if (std::string why; !keepOutOfCoreDumps(why))
+                log.add("The password may appear in a core dump: " + why);
+        }
         Answer answer;
         Outcome outcome;
         {

@@ -1,6 +1,6 @@
-// The certificate codec on any bytes, for callers inside the library whose
-// bytes are not in a std::string (the list's XML in libplist's buffer, a
-// value file mapped by the GUI application).
+// The certificate codec on any bytes and text, for callers inside the library
+// whose bytes are not in a std::string (the list's XML in libplist's buffer, a
+// value file mapped by the GUI application, a token of the reply).
 #pragma once
 
 #include <string>
@@ -15,6 +15,9 @@ namespace OrvelDialogs::CertificateCodec {
 std::string encode(std::string_view bytes);
 // The same text in `text`, whose room is reused.
 void encodeInto(std::string_view bytes, std::string &text);
+// What Certificate::b64StringToData gives, in `bytes` (emptied first): no
+// copy of the text, and the caller decides what becomes of the room.
+void decodeInto(std::string_view text, std::string &bytes);
 
 // Certificate::decodeCertificateArrayFromPropertyList on the list text's
 // bytes, already decoded: for a GUI application that has them decoded (and

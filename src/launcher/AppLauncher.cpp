@@ -14,6 +14,7 @@
 #include "state/Log.hpp"
 #include "state/OutputLimit.hpp"
 #include "util/Base64Alphabet.hpp"
+#include "util/SecretMemory.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -138,6 +139,8 @@ void AppLauncher::WaitUntilExit()
     const std::uint64_t limit = OrvelDialogs::State::outputLimit();
     if (!guiTask_->waitUntilExit(nullptr, outputHandle_.get(), &collectedOutput_,
                                  static_cast<size_t>(std::min<std::uint64_t>(limit, SIZE_MAX)))) {
+        if (OrvelDialogs::SecretMemory::inScope())
+            OrvelDialogs::SecretMemory::wipe(collectedOutput_);
         std::string().swap(collectedOutput_);
         throw PlatformException("the GUI application wrote more than the output limit of " + std::to_string(limit) +
                                 " bytes (ORV_SetOutputLimit); it was killed and its output dropped");
@@ -242,6 +245,7 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         if (!OrvelDialogs::Platform::isValidUtf8(text)) {
             std::string readable = OrvelDialogs::Platform::textReplacingInvalidUtf8(text);
             log.resize(textStart);
+            OrvelDialogs::State::makeLogRoom(log, readable.size() + 2);
             log += readable;
         }
         log.append(" \n");

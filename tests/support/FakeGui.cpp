@@ -53,7 +53,7 @@ FakeGui &FakeGui::clear()
 
 FakeGui &FakeGui::reply(std::string_view bytes)
 {
-    return set("FAKEGUI_REPLY_FILE", writeFile(recordDir_ + "/reply-script", bytes));
+    return replyFile(writeFile(recordDir_ + "/reply-script", bytes));
 }
 
 FakeGui &FakeGui::fill(size_t count, char fill, std::string_view suffix)
@@ -110,16 +110,16 @@ bool FakeGui::ran() const
     return access((recordDir_ + "/argv").c_str(), F_OK) == 0;
 }
 
-std::string base64(std::string_view bytes)
+std::string base64(std::string_view bytes, char mask)
 {
     static constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     std::string text;
     for (size_t i = 0; i < bytes.size(); i += 3) {
         unsigned v = 0;
         for (size_t k = 0; k < 3; ++k)
-            v = v << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k]) : 0u);
+            v = v << 8 | (i + k < bytes.size() ? static_cast<unsigned char>(bytes[i + k] ^ mask) : 0u);
         for (size_t k = 0; k < 4; ++k)
-            text += k <= bytes.size() - i ? alphabet[(v >> (18 - 6 * k)) & 63] : '=';
+            text += static_cast<char>((k <= bytes.size() - i ? alphabet[(v >> (18 - 6 * k)) & 63] : '=') ^ mask);
     }
     return text;
 }

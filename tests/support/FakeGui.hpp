@@ -26,6 +26,8 @@ public:
 
     // Any bytes, zero bytes and invalid UTF-8 included.
     FakeGui &reply(std::string_view bytes);
+    // The reply is the file's content.
+    FakeGui &replyFile(const std::string &path) { return set("FAKEGUI_REPLY_FILE", path); }
     // `count` bytes of `fill` after the reply, then `suffix`.
     FakeGui &fill(size_t count, char fill = 'Q', std::string_view suffix = {});
     FakeGui &exitStatus(int status) { return set("FAKEGUI_EXIT", std::to_string(status)); }
@@ -61,7 +63,9 @@ private:
 // "<head> -log <Base64 of log>": a well-formed reply.
 std::string replyWithLog(std::string_view head, std::string_view log = "hello");
 
-// The test's own encoder, so that no expectation is made by the library.
-std::string base64(std::string_view bytes);
+// The test's own encoder, so that no expectation is made by the library. With
+// a mask it reads bytes kept XOR `mask` and writes its text XOR `mask`, for a
+// secret that the test itself must not hold in clear.
+std::string base64(std::string_view bytes, char mask = 0);
 
 } // namespace OrvelTest

@@ -1,5 +1,6 @@
 #include "protocol/Reply.hpp"
 
+#include "common/PasswordMemory.hpp"
 #include "protocol/Base64.hpp"
 
 #include <unistd.h>
@@ -21,6 +22,10 @@ std::string formatReply(const std::string &windowName, const Request *request, b
                         const Answer &answer, const GuiLog &log)
 {
     std::string reply = windowName;
+    // Room for all of it at once: a reply that grew would leave copies of
+    // the password behind in the room it gave up.
+    reply.reserve(windowName.size() + (answer.path.size() + answer.secondValue.size() + log.text().size()) / 3 * 4 +
+                  64);
     if (answered && request) {
         switch (request->window) {
         case Window::YesNoDialog:
@@ -40,10 +45,13 @@ std::string formatReply(const std::string &windowName, const Request *request, b
             addToken(reply, "-selectedCert");
             addToken(reply, std::to_string(answer.selected));
             break;
-        case Window::SelectPKCS12:
+        case Window::SelectPKCS12: {
             addToken(reply, encodeBase64(answer.path));
-            addToken(reply, encodeBase64(answer.secondValue));
+            std::string password = encodeBase64(answer.secondValue);
+            addToken(reply, password);
+            wipeSecret(password);
             break;
+        }
         default:
             break;
         }

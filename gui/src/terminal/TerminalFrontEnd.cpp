@@ -1,6 +1,7 @@
 #include "terminal/TerminalFrontEnd.hpp"
 
 #include "common/CertificateText.hpp"
+#include "common/PasswordMemory.hpp"
 #include "common/Pkcs12Check.hpp"
 #include "common/SignedData.hpp"
 
@@ -810,9 +811,10 @@ Outcome TerminalFrontEnd::selectPkcs12(const Request &request, Answer &answer)
         passwordPage.title = t.titlePkcs12;
         passwordPage.text = {printable(file)};
         for (;;) {
-            const auto password = input(passwordPage, t.password, "", true);
+            auto password = input(passwordPage, t.password, "", true);
             if (!password)
                 return Outcome::Cancelled;
+            const WipedOnExit typed(*password);
             if (checkPkcs12(file, *password) == Pkcs12Check::WrongPassword) {
                 passwordPage.text = {printable(file), bold(t.pkcs12WrongPassword)};
                 log_.add("Wrong PKCS#12 password.");
