@@ -1,5 +1,6 @@
 /* The smallest GUI application that answers a dialog: it writes its window's
- * name and a log section, and exits with 0. The log is "hello", or with
+ * name (a signature confirmation declined, with the first certificate) and a
+ * log section, and exits with 0. The log is "hello", or with
  * ORVEL_RESPONDER_LOG_BYTES set that many Base64 characters (of "ABC..."). */
 #include <errno.h>
 #include <stdlib.h>
@@ -27,6 +28,10 @@ int main(int argc, char **argv)
         if (strcmp(argv[i], "-window") == 0)
             window = argv[i + 1];
     writeAll(window, strlen(window));
+    if (strcmp(window, "SignatureConfirm") == 0) {
+        static const char answer[] = " -result 0 -selectedCert 0";
+        writeAll(answer, sizeof answer - 1);
+    }
 
     const char *size = getenv("ORVEL_RESPONDER_LOG_BYTES");
     if (size == NULL) {

@@ -16,7 +16,8 @@ cd "$(dirname "$0")/.."
 
 # Not build/bench: that is the bench folder of a developer build in build/.
 dir=build/release-bench
-programs=(message_box_round_trip gui_round_trip large_reply base64 certificate_list log_growth desktop_first_paint)
+programs=(message_box_round_trip gui_round_trip large_reply base64 certificate_list log_growth desktop_first_paint
+  document_memory)
 
 cmake -S . -B "$dir" -G Ninja -DCMAKE_BUILD_TYPE=Release -DORVEL_BUILD_BENCH=ON -DORVEL_BUILD_TESTS=OFF >/dev/null
 cmake --build "$dir" -j "$(nproc)" --target orvel_benchmarks

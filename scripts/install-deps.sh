@@ -9,8 +9,11 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   python3 locales gcovr
-  qt6-base-dev libgl-dev qt6-translations-l10n
+  qt6-base-dev libgl-dev libxcb1-dev qt6-translations-l10n
   xvfb xauth xdotool fonts-dejavu-core
+  # The Xvfb run: xprop and xmessage; dbus-launch, which would autolaunch a
+  # session bus if the windows let it.
+  x11-utils dbus-x11
 )
 
 missing=()

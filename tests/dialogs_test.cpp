@@ -8,10 +8,16 @@
 
 #include "support/DialogFixture.hpp"
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
 
 using OrvelTest::base64;
@@ -192,6 +198,136 @@ TEST_F(Dialogs, PassExactlyTheirArgumentLists)
     }
 }
 
+// What does not fit on the command line arrives in sealed memory files at 3,
+// 4, ...; what fits, and a value that only looks like a reference, stay.
+TEST_F(Dialogs, ValuesTooLargeForTheCommandLineArriveInSealedFiles)
+{
+    const int descriptors = OrvelTest::openDescriptorCount();
+    Records records(150);
+    for (size_t i = 0; i < 150; ++i) { // certificates of a typical 1.5 KiB
+        records.data[i].resize(1500, static_cast<char>('A' + i % 26));
+        records.records[i].data = records.data[i].data();
+        records.records[i].dataLength = 1500;
+    }
+    const auto text = [](size_t bytes) {
+        std::string clauses;
+        while (clauses.size() < bytes)
+            clauses += "Clause " + std::to_string(clauses.size()) + ": the buyer pays.\n";
+        return clauses.substr(0, bytes);
+    };
+    std::string document = text(300 * 1024);
+    const std::string data = base64(document);
+    const std::string sealed = std::to_string(F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL);
+    unsigned int selected = 0;
+    bool confirmed = false;
+    ORV_SetLanguage(2);
+    const auto sign = [&](unsigned count, const std::string &rtf) {
+        return ORV_ConfirmSignature(records.records.data(), count, &selected, document.c_str(), rtf.c_str(), "SHA-256",
+                                    "0A1B", &confirmed);
+    };
+    gui.reply(replyWithLog("SignatureConfirm -result 1 -selectedCert 149"));
+    EXPECT_EQ(sign(150, "XY"), 0);
+    EXPECT_TRUE(confirmed && selected == 149);
+    EXPECT_EQ(gui.arguments(), (Args{"-window", "SignatureConfirm", "-lang", "2", "-version", "2.1", "-data", "@fd:3",
+                                     "-hashAlg", "SHA-256", "-hashVal", "0A1B", "-selectedCert", "0", "-rtf", "WFk=",
+                                     "-certs", "@fd:4"}));
+    EXPECT_EQ(gui.valueRead("-data"), data);
+    const std::string list = gui.valueRead("-certs"), bytes = std::to_string(list.size());
+    std::vector<Certificate> decoded;
+    ASSERT_EQ(Certificate::decodeCertificateArrayFromPropertyList(list, decoded), 0);
+    ASSERT_EQ(decoded.size(), 150u);
+    EXPECT_TRUE(decoded[0].data() == records.data[0] && decoded[149].data() == records.data[149]);
+    EXPECT_EQ(gui.announcement(), "-data:3:" + std::to_string(data.size()) + ",-certs:4:" + bytes);
+    EXPECT_EQ(gui.valueFiles(), "-data " + sealed + " " + std::to_string(data.size()) + "\n-certs " + sealed + " " +
+                                    bytes + "\n");
+    EXPECT_EQ(gui.openDescriptors(), (std::vector<int>{0, 1, 2, 3, 4}));
+    EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
+
+    gui.reply(replyWithLog("CertificateSelect -selectedCert 7"));
+    EXPECT_EQ(ORV_SelectCertificate(records.records.data(), 150, &selected), 0);
+    EXPECT_EQ(gui.arguments(), (Args{"-window", "CertificateSelect", "-lang", "2", "-selectedCert", "149", "-certs",
+                                     "@fd:3"}));
+    EXPECT_EQ(gui.valueRead("-certs"), list);
+
+    // Values each within 128 KiB, too many together for a stack limit of
+    // 1 MiB (a quarter of it for all): the largest alone moves.
+    rlimit stack{}, small{1 << 20, 1 << 20};
+    getrlimit(RLIMIT_STACK, &stack);
+    small.rlim_max = stack.rlim_max;
+    ASSERT_EQ(setrlimit(RLIMIT_STACK, &small), 0);
+    const std::string rtf = text(93000);
+    document.assign(text(95000));
+    selected = 0;
+    gui.reply(replyWithLog("SignatureConfirm -result 0 -selectedCert 1"));
+    EXPECT_EQ(sign(2, rtf), 0);
+    setrlimit(RLIMIT_STACK, &stack);
+    const Args arguments = gui.arguments();
+    ASSERT_EQ(arguments.size(), 18u);
+    EXPECT_EQ(arguments[7], "@fd:3");
+    EXPECT_EQ(arguments[15], base64(rtf));
+    EXPECT_EQ(gui.valueRead("-data"), base64(document));
+    EXPECT_EQ(gui.announcement(), "-data:3:" + std::to_string(base64(document).size()));
+
+    // The host's own announcement never reaches the child.
+    setenv("ORVEL_GUI_VALUE_FILES", "-message:3:5", 1);
+    gui.reply(replyWithLog("MessageBox"));
+    EXPECT_EQ(ORV_MessageBox("@fd:3", nullptr, 0), 0);
+    unsetenv("ORVEL_GUI_VALUE_FILES");
+    EXPECT_EQ(gui.arguments(), (Args{"-window", "MessageBox", "-message", "@fd:3", "-icon", "0"}));
+    EXPECT_EQ(gui.announcement(), "(none)");
+    EXPECT_EQ(gui.openDescriptors(), (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(OrvelTest::openDescriptorCount(), descriptors);
+}
+
+// What no command line carries goes in the environment: the language (for the
+// windows without -lang too) and the host's window, in place of any stale
+// value the host's own environment holds; everything else passes unchanged.
+TEST_F(Dialogs, TheGuiGetsTheLanguageAndTheHostsWindowInItsEnvironment)
+{
+    gui.reply(replyWithLog("MessageBox"));
+    setenv("ORVEL_GUI_LANGUAGE", "stale", 1);
+    setenv("ORVEL_GUI_PARENT_WINDOW", "stale", 1);
+    const std::string tooLong = "x11:" + std::string(1021, '1');
+    const struct {
+        std::function<long()> set;
+        long result;
+        const char *language, *window; // null: not in the environment
+    } cases[] = {
+        {[] { return ORV_SetParentWindow("x11:0x3a00007"); }, 0, "0", "x11:0x3a00007"},
+        {[] { return ORV_SetLanguage(1); }, 0, "1", "x11:0x3a00007"},
+        // Refused: the window named before stays.
+        {[] { return ORV_SetParentWindow("x11:1\n"); }, 1, "1", "x11:0x3a00007"},
+        {[] { return ORV_SetParentWindow("wayland:\xC3\x28"); }, 1, "1", "x11:0x3a00007"},
+        {[&] { return ORV_SetParentWindow(tooLong.c_str()); }, 1, "1", "x11:0x3a00007"},
+        {[&] { return ORV_SetParentWindow(tooLong.substr(1).c_str()); }, 0, "1", tooLong.c_str() + 1},
+        {[] { return ORV_SetParentWindow(""); }, 0, "1", nullptr},
+        {[] { return ORV_SetParentWindow("wayland:5f3b-Ž"); }, 0, "1", "wayland:5f3b-Ž"},
+        {[] { return ORV_SetParentWindow(nullptr); }, 0, "1", nullptr},
+        // Not set: the GUI application follows the locale, as the library would.
+        {[] { return OrvelDialogs::SetLanguage(-1), 0L; }, 0, nullptr, nullptr},
+        {[] { return OrvelDialogs::SetParentWindow("x11:\x7f"), ORV_SetLanguage(2); }, 0, "2", nullptr},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(c.set(), c.result);
+        ASSERT_EQ(ORV_MessageBox("M", nullptr, 0), 0);
+        std::vector<std::string> ours;
+        bool hostsOwn = false;
+        for (const std::string &entry : gui.environment()) {
+            if (entry.starts_with("ORVEL_GUI_LANGUAGE=") || entry.starts_with("ORVEL_GUI_PARENT_WINDOW="))
+                ours.push_back(entry);
+            hostsOwn = hostsOwn || entry == "FAKEGUI_RECORD_DIR=" + std::string(getenv("FAKEGUI_RECORD_DIR"));
+        }
+        Args expected;
+        if (c.language)
+            expected.push_back(std::string("ORVEL_GUI_LANGUAGE=") + c.language);
+        if (c.window)
+            expected.push_back(std::string("ORVEL_GUI_PARENT_WINDOW=") + c.window);
+        EXPECT_EQ(ours, expected);
+        EXPECT_TRUE(hostsOwn);
+    }
+    EXPECT_EQ(std::string(getenv("ORVEL_GUI_LANGUAGE")), "stale"); // the host's own stays as it was
+}
+
 TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
 {
     const std::string exception = "Exception occured:\n";
@@ -207,10 +343,6 @@ TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
     const auto confirm = [&](Records &r, const char *data, const char *alg, const char *value) {
         return ORV_ConfirmSignature(r.records.data(), 2, &selected, data, nullptr, alg, value, &confirmed);
     };
-    // One argument holds at most 128 KiB on Linux.
-    std::string der(96 * 1024, '\x30'), subject = "CN=Big", date = "2030-01-01";
-    ORV_Certificate big{der.data(), static_cast<unsigned int>(der.size()), subject.data(), date.data(), date.data(),
-                        1, false, false};
     const struct {
         const char *what;
         std::function<long()> call;
@@ -230,8 +362,6 @@ TEST_F(Dialogs, FailuresInsideTheExchangeTakeTheExceptionPath)
          exception},
         {"select: no deadline", [&] { return ORV_SelectCertificate(noDeadline.records.data(), 2, &selected); },
          exception},
-        {"select: a list too long for the command line", [&] { return ORV_SelectCertificate(&big, 1, &selected); },
-         exception, "Argument list too long"},
         {"confirm: subject", [&] { return confirm(badSubject, "ABC", "SHA-256", "0A1B"); }, certificates},
         {"confirm: no data", [&] { return confirm(records, nullptr, "a", "v"); }, certificates},
         {"confirm: no algorithm", [&] { return confirm(records, "d", nullptr, "v"); }, certificates},
@@ -315,6 +445,14 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
             return std::to_string(result) + " " + path.describe() + " " + value.describe();
         };
     };
+    const auto masked = [](std::function<std::string()> call) {
+        return [=] {
+            ORV_SetMaskSecrets(1);
+            const std::string outcome = call();
+            ORV_SetMaskSecrets(0);
+            return outcome;
+        };
+    };
     const std::string index = "Index vybraného certifikátu neodpovídá povolenému obsahu\n\n", path8 = "/tmp/a.b";
     const std::string selectFormat = "Neočekávaný formát odpovědi z okna SelectCertificate\n\n";
     const std::string confirmFormat = "Neočekávaný formát odpovědi z okna ConfirmSignature\n\n";
@@ -391,6 +529,9 @@ TEST_F(Dialogs, RepliesAreReadAsTheyCome)
         {emptyBoth, 0, pkcs12(1, 1), "0 zero zero", emptyBoth + "\n" + hello},
         {"SelectPKCS12 " + base64("/k.p12") + " " + base64("heslo"), 0, pkcs12(7, 6), "0 zero zero"},
         {badValue, 0, pkcs12(7, 6), "7 zero zero", badValue + "\n" + hello},
+        // Masked on request: the password's token only; "-log" in its place hides nothing.
+        {both, 0, masked(pkcs12(7, 6)), "0 /k.p12 heslo", "SelectPKCS12 " + base64("/k.p12") + " ******** -log "},
+        {pathOnly, 0, masked(pkcs12(7, 6)), "0 /k.p12 zero", pathOnly + "\n" + hello},
     };
     for (const auto &c : cases) {
         gui.reply(c.reply).exitStatus(c.exit);
@@ -524,6 +665,91 @@ TEST_F(Dialogs, ShowingANoticeTwiceReachesOnlyTheSecond)
     // The first one's input was closed when it was replaced: it has ended.
     EXPECT_TRUE(OrvelTest::childrenHaveExited());
     EXPECT_EQ(gui.stdinBytes(), "");
+}
+
+// The memory test's password lives here only masked (each byte XOR kMask), so
+// that a scan of this process finds the library's copies and no test's own.
+constexpr char kMask = 0x5A;
+
+// Where the masked `needle` stands in this process's writable memory; the
+// scan's own buffer is left out. Mappings of 4 GiB and more are sanitizer
+// shadow, never the heap.
+std::vector<uintptr_t> placesInMemory(const std::string &needle)
+{
+    static char chunk[1 << 20];
+    const auto own = reinterpret_cast<uintptr_t>(chunk);
+    std::vector<std::pair<uintptr_t, uintptr_t>> regions;
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        unsigned long begin = 0, end = 0;
+        char perms[5] = {};
+        if (std::sscanf(line.c_str(), "%lx-%lx %4s", &begin, &end, perms) == 3 && perms[0] == 'r' &&
+            perms[1] == 'w' && end - begin < (1ul << 32))
+            regions.emplace_back(begin, end);
+    }
+    const auto unmasked = [](char m, char c) { return (c ^ kMask) == m; };
+    std::vector<uintptr_t> found;
+    const int mem = open("/proc/self/mem", O_RDONLY | O_CLOEXEC);
+    for (auto [at, end] : regions) {
+        while (at < end) {
+            if (at >= own && at < own + sizeof chunk) {
+                at = own + sizeof chunk;
+                continue;
+            }
+            const size_t want = std::min<uintptr_t>({sizeof chunk, end - at, at < own ? own - at : SIZE_MAX});
+            const ssize_t n = pread(mem, chunk, want, static_cast<off_t>(at));
+            if (n < static_cast<ssize_t>(needle.size()))
+                break;
+            // Candidates by their first byte: memchr keeps a debug build fast.
+            const char *p = chunk, *last = chunk + n - needle.size();
+            while (p <= last && (p = static_cast<const char *>(std::memchr(p, needle[0] ^ kMask, last - p + 1)))) {
+                if (std::equal(needle.begin(), needle.end(), p, unmasked))
+                    found.push_back(at + static_cast<uintptr_t>(p - chunk));
+                ++p;
+            }
+            at += static_cast<size_t>(n) - needle.size() + 1;
+        }
+    }
+    close(mem);
+    return found;
+}
+
+TEST_F(Dialogs, ThePkcs12PasswordStaysOnlyInTheHostsBufferAndTheLog)
+{
+    for (const bool maskSecrets : {false, true}) {
+        SCOPED_TRACE(maskSecrets ? "masked" : "not masked");
+        std::string password;
+        for (std::ifstream random("/dev/urandom"); password.size() < 40;)
+            password += static_cast<char>(('a' + static_cast<unsigned char>(random.get()) % 26) ^ kMask);
+        const std::string token = base64(password, kMask);
+        const std::string replyFile = scratch / "reply";
+        const int fd = open(replyFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        const std::string head = "SelectPKCS12 " + base64("/k.p12") + " ", tail = " -log " + base64("hello") + "\n";
+        char clear[64] = {};
+        std::transform(token.begin(), token.end(), clear, [](char c) { return static_cast<char>(c ^ kMask); });
+        ASSERT_TRUE(write(fd, head.data(), head.size()) > 0 && write(fd, clear, token.size()) > 0 &&
+                    write(fd, tail.data(), tail.size()) > 0);
+        explicit_bzero(clear, sizeof clear);
+        close(fd);
+        gui.replyFile(replyFile);
+        ORV_SetMaskSecrets(maskSecrets);
+        HostBuffer path(64), value(64);
+        ASSERT_EQ(ORV_SelectPKCS12(path.bytes.get(), path.size, value.bytes.get(), value.size), 0);
+        // Searched for without their first 16 bytes, which malloc overwrites
+        // in memory it took back.
+        const auto hostsBuffer = reinterpret_cast<uintptr_t>(value.bytes.get());
+        EXPECT_EQ(placesInMemory(password.substr(16)), std::vector{hostsBuffer + 16});
+        for (int round = 0; round < 2; ++round) {
+            const char *log = nullptr;
+            ORV_GetLog(&log);
+            const auto inLog = [&](uintptr_t at) { return at - reinterpret_cast<uintptr_t>(log) < std::strlen(log); };
+            const std::vector<uintptr_t> places = placesInMemory(token.substr(16));
+            EXPECT_EQ(places.size(), maskSecrets ? 0u : 1u);
+            EXPECT_TRUE(std::all_of(places.begin(), places.end(), inLog));
+            // Once more after the log has grown into new room.
+            logMsg(std::string(4u << 20, '.'));
+        }
+    }
 }
 
 TEST(FileFilter, ReadsThePatternsOfEveryEntry)

@@ -63,6 +63,19 @@ TEST(GuiApp, BadCommandLinesExitWithFiveAndALog)
         const std::string window = arguments.size() >= 2 ? arguments[1] : "";
         play(kGui, {"", arguments, {"=5", "^" + window + " -log ", "@Bad command line"}, false}, true);
     }
+    // References that the announcement does not back: malformed, naming an
+    // option whose value is no reference or that is missing, a descriptor
+    // that holds no sealed file of the size.
+    const std::vector<std::string> box = {"-window", "MessageBox", "-message", "@fd:3"};
+    const std::pair<std::string, std::string> announcements[] = {
+        {"-message", "is malformed"}, {"-message:3", "is malformed"}, {"-message:2:5", "is malformed"},
+        {"-message:3:5,-message:4:5", "is malformed"}, {"-info:3:5", "-info: the command line has no such option"},
+        {"-message:4:5", "is not the reference @fd:4"}, {"-message:3:5", "-message: descriptor 3 "}};
+    for (const auto &[announced, why] : announcements) {
+        SCOPED_TRACE(announced);
+        play(kGui, {"", box, {"=5", "@Bad command line", "@" + why}, false, {"ORVEL_GUI_VALUE_FILES=" + announced}},
+             true);
+    }
 }
 
 std::vector<Session> guiSessions()
@@ -87,11 +100,15 @@ std::vector<Session> guiSessions()
     const auto titled = [](const std::string &title) {
         return std::vector<std::string>{"?" + title + "\x1b[0m", kEnter, "=0"};
     };
+    const std::string asanOptions = std::getenv("ASAN_OPTIONS") ? std::getenv("ASAN_OPTIONS") : "";
     const std::vector<std::string> done = {"-window", "MessageBox", "-message", "Hotovo"};
     const std::vector<std::string> notice = {"-window", "ReinsertCard", "-message", "Card"};
     return {
         {"MessageWithoutATerminalRepliesAndExitsWithSix", {"-window", "MessageBox", "-message", "Hi", "-icon", "1"},
          {"=6", "^MessageBox -log ", "@No terminal"}, false},
+        // Announced nowhere, it is a value like any other.
+        {"AValueLikeAReferenceIsAValue", {"-window", "MessageBox", "-lang", "2", "-message", "@fd:3"},
+         {"?@fd:3", kEnter, "=0"}},
         {"CertificateSelectionShowsTheListAndRepliesTheIndex",
          {"-window", "CertificateSelect", "-lang", "1", "-selectedCert", "0", "-certs", certificateList(true)},
          {"?Výber certifikátu", "?Jiří Novák | platný do 2126-10-29", "?Bob Example | platný do 2026-12-01 | zostáva "
@@ -106,6 +123,11 @@ std::vector<Session> guiSessions()
           "!wrong\r", "?Wrong password. Try again.", "!pä", "!ss", "?****", kEnter, "=0",
           "^SelectPKCS12 " + base64(id) + " " + base64("päss") + " -log ", "%päss"},
          true, {}, {{"bogus.p12", "-----BEGIN CERTIFICATE-----"}}},
+        // While it asks for the password the application may not be dumped.
+        {"Pkcs12WindowCannotBeDumped", {"-window", "SelectPKCS12", "-lang", "2", "-filename", id},
+         {"?PKCS#12 file: ", kEnter, "?Password: ", "~" + std::to_string(SIGURG), "?[dumpable 0, core limit 0]",
+          "!päss\r", "=0"},
+         true, {"LD_PRELOAD=" ORVEL_DUMPABLE_PROBE, "ASAN_OPTIONS=verify_asan_link_order=0:" + asanOptions}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},
          {"?Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák", "?Valid until:\x1b[0m 2126-10-29",
           "?Key usage:\x1b[0m digitalSignature, nonRepudiation", "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:"
@@ -122,6 +144,11 @@ std::vector<Session> guiSessions()
          {"?Esc hides this notice.", kEscape, "?Ctrl-C ends the application.", "!\x03", "=130", "*restored"}},
         {"TerminalModeIsRestoredWhenASignalEndsIt", {"-window", "YesNoDialog", "-message", "Q"},
          {"?> 1. Yes", "*raw", "~" + std::to_string(SIGTERM), "=143", "*restored"}},
+        // A crash too gives the terminal back; the default action still ends it.
+        {"TerminalModeIsRestoredAfterSegv", {"-window", "YesNoDialog", "-message", "Q"},
+         {"?> 1. Yes", "*raw", "~" + std::to_string(SIGSEGV), "=139", "*restored", "+\x1b[?25h"}},
+        {"TerminalModeIsRestoredAfterAbort", {"-window", "FileSave", "-message", "S"},
+         {"?File name", "*raw", "~" + std::to_string(SIGABRT), "=134", "*restored"}},
         {"SignIsNotChoosableBeforeTheEnd", signing(clauses(15)), choose("1", "> 2. Decline", "0"), true, {}, {}, 12, 60},
         {"SignIsChoosableAtTheEnd", signing(clauses(15)), choose("\x1b[F1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         {"SignIsChoosableAfterPagingDown", signing(clauses(15)),
@@ -149,6 +176,14 @@ std::vector<Session> guiSessions()
          {"LC_ALL=", "LC_MESSAGES=en_GB", "LANG=cs_CZ.UTF-8"}},
         {"WithoutLangEnglishForOtherLanguages", done, titled("Information"), true,
          {"LC_ALL=", "LC_MESSAGES=", "LANG=de_DE.UTF-8"}},
+        // The library's language in the environment comes before the locale,
+        // and -lang before both.
+        {"WithoutLangTheHostsLanguage", done, titled("Informácia"), true, {"ORVEL_GUI_LANGUAGE=1", "LC_ALL=cs_CZ.UTF-8"}},
+        {"LangBeforeTheHostsLanguage", {"-window", "MessageBox", "-lang", "2", "-message", "Done"},
+         titled("Information"), true, {"ORVEL_GUI_LANGUAGE=0"}},
+        {"AnUnknownHostsLanguageLeavesItToTheLocale", done,
+         {"?Informace\x1b[0m", kEnter, "=0", "@Ignored ORVEL_GUI_LANGUAGE=3"}, true,
+         {"ORVEL_GUI_LANGUAGE=3", "LC_ALL=cs_CZ.UTF-8"}},
         {"FileOpenNamesAFilterItCannotRead", {"-window", "FileOpen", "-lang", "2", "-message", "Open", "-fileFilter", "*.pdf"},
          {"?Filter not understood, showing all files: *.pdf", kEscape, "=2", "@File filter not understood"}},
         {"FileSaveNamesAMissingFolderAndAMissingName",
@@ -232,8 +267,12 @@ std::vector<Session> toolSessions()
         // --log prints the GUI's log.
         {"EscapeCancelsWithStatusTwoInCzech", {"yesno", "--lang", "cs", "--message", "Pokračovat?", "--button", "no", "--log"},
          {"?> 2. Ne", kEscape, "=2", ">", "?Cancelled by the user."}},
+        // Without --lang in the library's first language, Czech, like every window.
         {"MessageBoxCloses", {"message", "--message", "Hello", "--info", "World", "--icon", "warning"},
-         {"?Warning", "?World", kEnter, "=0"}},
+         {"?Varování", "?World", kEnter, "=0"}, true, {"LC_ALL=en_US.UTF-8"}},
+        // The message box gets no -lang; the library's language reaches it all the same.
+        {"MessageBoxInTheToolsLanguage", {"--lang", "sk", "message", "--message", "Hotovo"},
+         {"?Informácia", kEnter, "=0"}, true, {"LC_ALL=", "LC_MESSAGES=", "LANG=cs_CZ.UTF-8"}},
         {"OpenBrowsesTheFilteredFolder", {"open", "--lang", "en", "--message", "Pick one", "--filter", "Text (txt)"},
          {"?Filter: Text (txt)", "?3. sub/", "?4. a.txt", "-b.pdf", "!3", "?> 3. sub/", kEnter, "?3. c.txt", "!3",
           "?> 3. c.txt", kEnter, "=0", ">{dir}/sub/c.txt\n"},
@@ -246,7 +285,7 @@ std::vector<Session> toolSessions()
         {"ReinsertFollowsTheCommandsOnStdin", {"reinsert", "--lang", "sk", "--message", "Vyberte a vložte kartu"},
          {"?Vyberte a vložte kartu", "<remove\n", "?> Vyberte kartu z čítačky.", "<insert\n",
           "?> Vložte kartu do čítačky.", "<close\n", "=0"}},
-        {"ShowCertReadsADerFile", {"show-cert", bob},
+        {"ShowCertReadsADerFile", {"--lang", "en", "show-cert", bob},
          {"?Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example", "?Key usage:\x1b[0m not restricted", kEnter, "=0"}},
         {"SelectCertPrintsTheChosenIndex", {"select-cert", "--lang", "en", "--force-days", "100000", alice, bob},
          {"?1. Jiří Novák | valid until 2126-", "?RENEWAL REQUIRED by 2126-", "?C = CZ, O = Orvel Test, CN = Jiří Novák",
@@ -276,6 +315,9 @@ std::vector<Session> toolSessions()
          false},
         {"MissingMessage", {"yesno"}, ends(64, "--message or --message-file is required"), false},
         {"RepeatedMessage", {"yesno", "--message", "a", "--message", "b"}, ends(64, "--message:"), false},
+        {"ParentWindowWithAControlCharacter", {"--parent-window", "x11:1\x1b", "message", "--message", "m"},
+         ends(64, "--parent-window: not a window handle (a control character, or over 1024 bytes): x11:1\\x1B"),
+         false},
         {"MessageThatIsNoUtf8", {"message", "--lang", "en", "--message", "caf\xe9"}, ends(64, "--message: not valid UTF-8"),
          false},
         {"PreselectedBeyondTheList", {"select-cert", "--selected", "5", alice},
@@ -292,8 +334,12 @@ std::vector<Session> toolSessions()
          ends(7, "výsledek 7: výměna"), false},
         {"Help", {"save", "--help"}, ends(0, "--buffer-size"), false},
         {"Version", {"-V"}, ends(0, "orvel-dialogs " ORVEL_PROJECT_VERSION), false},
-        {"ATextTooLongForTheCommandLineNamesTheCause", {"--lang", "en", "message", "--message-file", "{dir}/long.txt"},
-         ends(7, "cause: posix_spawn", "Argument list too long\n/"), false, {}, {{"long.txt", std::string(200000, 'a')}}},
+        // Sent in a sealed memory file, read to its end.
+        {"ADocumentTooLargeForTheCommandLineIsShownWhole",
+         {"confirm-signature", "--lang", "en", "--data-file", "{dir}/contract.txt", alice},
+         {"?Clause 1: the buyer pays.", "!\x1b[F", "?Clause 12000: the buyer pays.", "!1", "?> 1. Sign", kEnter, "=0",
+          ">confirmed 0\n"},
+         true, {}, {{"contract.txt", clauses(12000)}}},
         // A command that is none ends the tool with 65 after closing the
         // notice; --log still prints the log.
         {"ReinsertMessageNotFromStdin", {"--lang", "en", "--log", "reinsert", "--message-file", "-"},
@@ -309,6 +355,8 @@ std::vector<Session> toolSessions()
          replying(pkcs12Reply)},
         {"LoggedReplyHidesThePassword", {"--app", app, "--log", "pkcs12"},
          ends(0, "SelectPKCS12 L2EucDEy ******** -log", "c2VjcmV0"), false, replying(pkcs12Reply)},
+        {"LogShowsThePasswordWhenAskedTo", {"--app", app, "--log", "pkcs12", "--show-password"},
+         ends(0, "SelectPKCS12 L2EucDEy c2VjcmV0 -log"), false, replying(pkcs12Reply)},
         {"AnswerStatus", {"--app", app, "--answer-status", "yesno", "--message", "m"}, ends(1, "no\n"), false,
          replying("YesNoDialog no -log ")},
         {"JsonAnswer", {"--app", app, "--answer-status", "--json", "confirm-signature", "--data", "x", bob},

@@ -118,9 +118,14 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
                    "language of the dialogs and of the tool's messages (default: the dialogs' language is left to "
                    "the library, which starts as Czech; the messages follow the locale)")
         ->check(CLI::IsMember({"cs", "sk", "en"}));
+    app.add_option("--parent-window", call.parentWindow,
+                   "the window the dialogs stay above: x11:ID (from a terminal emulator that sets it: "
+                   "x11:$WINDOWID) or wayland:HANDLE (xdg-foreign)")
+        ->check(kUtf8)
+        ->type_name("HANDLE");
     app.add_flag("--log", call.log,
                  "print the library's diagnostic log to stderr at the end, control characters escaped and the "
-                 "PKCS#12 password masked");
+                 "PKCS#12 password masked (unless pkcs12 --show-password)");
     app.add_flag("--json", call.json, "print one JSON object with result, meaning and value to stdout");
     app.add_flag("--answer-status", call.answerStatus, "exit with 1 when the answer is no or declined");
 
@@ -183,7 +188,8 @@ std::optional<int> parseCommandLine(int argc, char **argv, Invocation &call)
     addText(*pkcs12, "--filename", call.filename, "the file to start from", "PATH");
     addBufferSize(*pkcs12, call.bufferSize, 1);
     pkcs12->add_flag("--show-password", call.showPassword,
-                     "print the password as a second line (without it: only its length, on stderr)");
+                     "print the password as a second line (without it: only its length, on stderr); with --log "
+                     "the log shows it too");
 
     try {
         app.parse(argc, argv);

@@ -20,6 +20,7 @@ struct Invocation {
     // Common options.
     std::optional<std::string> app;
     std::optional<std::string> lang;
+    std::optional<std::string> parentWindow;
     bool log = false;
     bool json = false;
     bool answerStatus = false;

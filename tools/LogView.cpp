@@ -6,39 +6,18 @@ namespace OrvelTool {
 namespace {
 
 constexpr std::string_view kLibraryGuiLogPrefix = "log z GUI aplikace: ";
-constexpr std::string_view kPkcs12Reply = "SelectPKCS12 ";
 constexpr std::string_view kExceptionEntry = "Exception occured:";
-
-std::string maskThirdToken(std::string_view line)
-{
-    const auto first = line.find(' ');
-    const auto second = line.find(' ', first + 1);
-    if (second == std::string_view::npos)
-        return std::string(line);
-    const auto third = line.find(' ', second + 1);
-    const std::string_view token =
-        line.substr(second + 1, third == std::string_view::npos ? third : third - second - 1);
-    if (token.empty() || token == "-log")
-        return std::string(line);
-    std::string masked(line.substr(0, second + 1));
-    masked += "********";
-    if (third != std::string_view::npos)
-        masked += line.substr(third);
-    return masked;
-}
 
 } // namespace
 
-std::string logForDisplay(std::string_view log, const ToolTexts &texts, bool maskPassword)
+std::string logForDisplay(std::string_view log, const ToolTexts &texts)
 {
     std::string out;
     while (!log.empty()) {
         const auto end = log.find('\n');
         std::string_view line = log.substr(0, end);
         std::string shown;
-        if (maskPassword && line.starts_with(kPkcs12Reply)) {
-            shown = maskThirdToken(line);
-        } else if (line.starts_with(kLibraryGuiLogPrefix)) {
+        if (line.starts_with(kLibraryGuiLogPrefix)) {
             shown = texts.guiLogPrefix;
             shown += line.substr(kLibraryGuiLogPrefix.size());
         } else {

@@ -1,6 +1,6 @@
 // The library's diagnostic log as the tool shows it: escaped for the terminal,
-// the PKCS#12 password masked, the GUI log's prefix in the tool's language;
-// and the one line that says why a dialog failed.
+// the GUI log's prefix in the tool's language; and the one line that says why
+// a dialog failed. (The library itself masks the PKCS#12 password.)
 #pragma once
 
 #include "ToolTexts.hpp"
@@ -11,9 +11,7 @@
 
 namespace OrvelTool {
 
-// `maskPassword`: the raw "SelectPKCS12" reply in the log carries the
-// password as its third token; it is replaced by asterisks.
-std::string logForDisplay(std::string_view log, const ToolTexts &texts, bool maskPassword);
+std::string logForDisplay(std::string_view log, const ToolTexts &texts);
 
 // The cause of a failure in a displayed log: the message of the last
 // exception entry, else the last line (the library's or the GUI's last word).

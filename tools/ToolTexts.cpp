@@ -79,9 +79,11 @@ std::string resultMeaning(long result, ToolLanguage language)
         {4, "chybí data certifikátu", "chýbajú údaje certifikátu", "no certificate data"},
         {5, "GUI aplikace odmítla svůj příkazový řádek", "GUI aplikácia odmietla svoj príkazový riadok",
          "the GUI application refused its command line"},
-        {6, "GUI aplikace nenašla uživatelské rozhraní (žádný terminál ani displej)",
-         "GUI aplikácia nenašla používateľské rozhranie (žiadny terminál ani displej)",
-         "the GUI application found no user interface (no terminal or display)"},
+        {6, "GUI aplikace nenašla uživatelské rozhraní (žádný terminál ani displej, nebo se spojení s displejem "
+            "přerušilo)",
+         "GUI aplikácia nenašla používateľské rozhranie (žiadny terminál ani displej, alebo sa spojenie s displejom "
+         "prerušilo)",
+         "the GUI application found no user interface (no terminal or display, or the display was lost)"},
         {7, "výměna s GUI aplikací selhala", "výmena s GUI aplikáciou zlyhala",
          "the exchange with the GUI application failed"},
         {8, "GUI aplikace selhala", "GUI aplikácia zlyhala", "the GUI application failed"},

@@ -31,19 +31,20 @@ namespace {
 using namespace OrvelTool;
 namespace fs = std::filesystem;
 
-// The reference GUI application: next to the tool in the build tree, or in
-// the installed layout.
+// The reference GUI application. The tool in the build tree takes the bundle
+// built with it; any other copy of the tool (the installed one) looks only in
+// its own installed layout, never at a build tree's place relative to itself.
 std::optional<std::string> defaultApp()
 {
     const std::string folder = OrvelGui::executableFolder();
     if (folder.empty())
         return std::nullopt;
-    for (const char *relative : {ORVEL_GUI_FROM_BUILD_TREE, ORVEL_GUI_FROM_INSTALL}) {
-        const fs::path candidate = (fs::path(folder) / relative).lexically_normal();
-        std::error_code error;
-        if (fs::is_regular_file(candidate / "Contents" / "Info.plist", error))
-            return candidate.string();
-    }
+    const fs::path candidate = folder == ORVEL_TOOL_BUILD_DIR
+                                   ? fs::path(ORVEL_GUI_BUILD_TREE_BUNDLE)
+                                   : (fs::path(folder) / ORVEL_GUI_FROM_INSTALL).lexically_normal();
+    std::error_code error;
+    if (fs::is_regular_file(candidate / "Contents" / "Info.plist", error))
+        return candidate.string();
     return std::nullopt;
 }
 
@@ -367,7 +368,7 @@ int report(const Invocation &call, ToolLanguage language, int status, const Answ
     const bool dialogResult = status < kUsageError;
     const char *rawLog = nullptr;
     ORV_GetLog(&rawLog);
-    const std::string log = logForDisplay(rawLog ? rawLog : "", texts, call.command == "pkcs12");
+    const std::string log = logForDisplay(rawLog ? rawLog : "", texts);
     const std::optional<std::string> cause = status != 0 && status != 2 ? failureCause(log) : std::nullopt;
 
     if (call.json && dialogResult) {
@@ -410,6 +411,9 @@ int main(int argc, char **argv)
     if (const auto status = parseCommandLine(argc, argv, call))
         return *status;
     const ToolLanguage language = toolLanguage(call.lang);
+    if (call.parentWindow && ORV_SetParentWindow(call.parentWindow->c_str()) != 0)
+        return usageError("--parent-window: not a window handle (a control character, or over 1024 bytes): " +
+                          escapeForTerminal(*call.parentWindow));
 
     std::optional<std::string> app = call.app ? call.app : defaultApp();
     if (!app) {
@@ -417,14 +421,13 @@ int main(int argc, char **argv)
                              "give --app PATH\n");
         return kInputError;
     }
-    if (call.lang) {
+    // The library hands the language to every window, those without "-lang"
+    // on their command line too.
+    if (call.lang)
         ORV_SetLanguage(*call.lang == "cs" ? 0 : *call.lang == "sk" ? 1 : 2);
-        // The message box and the certificate display get no language on the
-        // GUI application's command line; it then follows its locale, which
-        // it inherits from here.
-        ::setenv("LC_ALL", *call.lang == "cs" ? "cs_CZ.UTF-8" : *call.lang == "sk" ? "sk_SK.UTF-8" : "en_US.UTF-8", 1);
-    }
     ORV_SetAppPath(app->c_str());
+    // The log keeps the PKCS#12 password masked unless it is asked to show it.
+    ORV_SetMaskSecrets(call.log && call.showPassword ? 0 : 1);
 
     Answer answer;
     const int status = Dialogs(call, toolTexts(language)).run(answer);

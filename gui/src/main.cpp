@@ -1,8 +1,10 @@
 // OrvelGUI: the reference GUI application of libOrvelGUIDialogs. The library
 // starts it with "-window NAME" and option pairs; it asks the user, writes
 // its reply to standard output and exits with one of the statuses of
-// Protocol.hpp.
+// protocol/Reply.hpp.
+#include "common/PasswordMemory.hpp"
 #include "protocol/FrontEnd.hpp"
+#include "protocol/ImmediateExit.hpp"
 #include "protocol/Protocol.hpp"
 #include "FrontEndChoice.hpp"
 
@@ -44,8 +46,7 @@ Outcome show(FrontEnd &frontEnd, const Request &request, Answer &answer, GuiLog 
     return Outcome::Cancelled;
 }
 
-int finish(const std::string &windowName, const Request *request, Outcome outcome, const Answer &answer,
-           GuiLog &log)
+int finish(const std::string &windowName, const Request *request, Outcome outcome, Answer &answer, GuiLog &log)
 {
     int status = kAnswered;
     switch (outcome) {
@@ -59,7 +60,11 @@ int finish(const std::string &windowName, const Request *request, Outcome outcom
         status = kNoUserInterface;
         break;
     }
-    writeReply(formatReply(windowName, request, outcome == Outcome::Answered, answer, log));
+    std::string reply = formatReply(windowName, request, outcome == Outcome::Answered, answer, log);
+    writeReply(reply);
+    // The password has gone to the host; no copy of it stays here.
+    wipeSecret(reply);
+    wipeSecret(answer.secondValue);
     return status;
 }
 
@@ -78,6 +83,13 @@ int main(int argc, char **argv)
         if (!parsed.request) {
             writeReply(formatReply(windowName, nullptr, false, {}, log));
             return kBadCommandLine;
+        }
+        prepareImmediateExit(windowName, log);
+        if (parsed.request->window == Window::SelectPKCS12) {
+            // This window asks for a password: no core dump or debugger of
+            // the same user may read it from here on.
+            if (std::string why; !keepOutOfCoreDumps(why))
+                log.add("The password may appear in a core dump: " + why);
         }
         Answer answer;
         Outcome outcome;

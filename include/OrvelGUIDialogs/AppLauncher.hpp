@@ -34,7 +34,9 @@ public:
     void setGuiTask(TaskPtr task);
 
     // Starts the executable of the bundle at `bundlePath` and returns at once.
-    // Throws the platform exception when it cannot be started.
+    // Values too large for a command line go in sealed memory files
+    // (docs/PROTOCOL.md). Throws the platform exception when it cannot be
+    // started.
     void Launch(const std::string &bundlePath, const std::vector<std::string> &arguments);
     // Blocks until the child has exited, keeping its standard output drained
     // so that no reply size can block it.
@@ -47,9 +49,12 @@ public:
     // 0 to 8 unchanged; anything else logs and gives 7. A child killed by a
     // signal reports 128 + the signal's number.
     int GetTerminationStatus();
-    // The whole output if it begins with `windowName` (0), else 7.
+    // out `response`: the whole output when it begins with `windowName`: 0;
+    // else 7 (no output, or another beginning, logged), `response` unchanged.
     int GetStdoutResponse(const std::string &windowName, std::string &response);
-    // Appends the GUI application's Base64 log, found after "-log", to the log.
+    // Appends the GUI application's Base64 log, found after "-log" in
+    // `response`, to the log: 0; 7 when there is no "-log" (logged). Throws
+    // the platform exception when "-log" is the last token.
     int ProcessLogFromGUI(const std::string &response);
 
 private:

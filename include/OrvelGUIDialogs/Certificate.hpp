@@ -18,17 +18,20 @@ class ORV_EXPORT Certificate {
 public:
     Certificate();
 
-    // Copies the record. Throws the platform exception for a null text; a
-    // text that is not valid UTF-8 is kept as absent.
+    // Copies the record (the host keeps it) and returns this object. Throws
+    // the platform exception for a null text; a text that is not valid UTF-8
+    // is kept as absent.
     Certificate &initWithCertificate(ORV_Certificate record);
 
     // A new dictionary (the caller frees it with plist_free). Throws the
     // platform exception when a text property is absent.
     plist_t encodeCertificateToDictionary() const;
-    // Fills this object from a dictionary; missing entries give defaults.
+    // Fills this object from a dictionary, which stays the caller's; missing
+    // entries give defaults.
     void decodeCertificateFromDictionary(plist_t dictionary);
 
-    // 0 with the list text, or 7 with the empty text.
+    // out `outText`: the list text (the Base64 of an XML property list) of
+    // the certificates, in their order: 0; or 7 with the empty text.
     static int encodeCertificateArrayToPropertyList(const std::vector<Certificate> &certificates,
                                                     std::string &outText);
     // Appends the decoded certificates to outArray: 0, or 7 for text that is

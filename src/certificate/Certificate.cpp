@@ -187,7 +187,12 @@ int Certificate::encodeCertificateArrayToPropertyList(const std::vector<Certific
 
 int Certificate::decodeCertificateArrayFromPropertyList(const std::string &text, std::vector<Certificate> &outArray)
 {
-    const PropertyList root = OrvelDialogs::Platform::propertyListFromBytes(b64StringToData(text));
+    return OrvelDialogs::CertificateCodec::decodeList(b64StringToData(text), outArray);
+}
+
+int OrvelDialogs::CertificateCodec::decodeList(std::string_view propertyList, std::vector<Certificate> &outArray)
+{
+    const PropertyList root = OrvelDialogs::Platform::propertyListFromBytes(propertyList);
     // Only a non-empty array of dictionaries is a list of certificates. Any
     // other root (a single dictionary, say) or element is refused as a whole,
     // before anything reaches outArray.

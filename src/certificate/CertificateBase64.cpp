@@ -69,10 +69,12 @@ std::string Certificate::dataToBase64String(const std::string &bytes)
     return OrvelDialogs::CertificateCodec::encode(bytes);
 }
 
-std::string Certificate::b64StringToData(const std::string &text)
+void OrvelDialogs::CertificateCodec::decodeInto(std::string_view text, std::string &bytes)
 {
-    std::string bytes;
-    bytes.reserve(text.size() / 4 * 3);
+    bytes.clear();
+    // Room for the most it can give, a last short group included: it never
+    // grows (and leaves no copy behind) while it decodes.
+    bytes.reserve((text.size() + 3) / 4 * 3);
     unsigned group[4] = {};
     size_t held = 0;
     for (const char ch : text) {
@@ -92,7 +94,7 @@ std::string Certificate::b64StringToData(const std::string &text)
                 // a second value of 0 followed.
                 appendByte(bytes, group[0] << 2);
             }
-            return bytes;
+            return;
         }
         group[held++] = static_cast<unsigned>(value);
         if (held == 4) {
@@ -103,5 +105,11 @@ std::string Certificate::b64StringToData(const std::string &text)
         }
     }
     // A group still open when the text ends without "=" is dropped.
+}
+
+std::string Certificate::b64StringToData(const std::string &text)
+{
+    std::string bytes;
+    OrvelDialogs::CertificateCodec::decodeInto(text, bytes);
     return bytes;
 }

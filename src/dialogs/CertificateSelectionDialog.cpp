@@ -20,7 +20,7 @@ long Dialog::displaySelectCertificateDialog(const ORV_Certificate *certs, unsign
         if (const long failed = makeCertificateList(certs, count, listText))
             return failed;
         const auto arguments = argumentList({"-window", "CertificateSelect", "-lang", languageCode(), "-selectedCert",
-                                             decimal(*selected), "-certs", listText});
+                                             decimal(*selected), "-certs", std::move(listText)});
         const ExchangeResult exchange = runExchange("CertificateSelect", arguments);
         if (const auto settled = exchange.settledBeforeInterpretation())
             return *settled;

@@ -8,7 +8,10 @@
 #include "platform/HostText.hpp"
 #include "platform/Task.hpp"
 #include "state/LauncherSlot.hpp"
+#include "state/Log.hpp"
+#include "state/SecretMasking.hpp"
 
+#include <algorithm>
 #include <limits>
 
 namespace OrvelDialogs::Dialogs {
@@ -64,6 +67,45 @@ PipesClosedOnReturn::~PipesClosedOnReturn()
     State::closePipes(launcher);
 }
 
+namespace {
+
+// `reply` with its token at `index` replaced by asterisks; unchanged when it
+// has no such token, or when that token is empty or "-log", which hide
+// nothing and keep the log section readable. The reply's closing line feed
+// stays.
+std::string withTokenMasked(std::string_view reply, size_t index)
+{
+    size_t start = 0;
+    for (size_t i = 0; i < index; ++i) {
+        const size_t space = reply.find(' ', start);
+        if (space == std::string_view::npos)
+            return std::string(reply);
+        start = space + 1;
+    }
+    size_t end = std::min(reply.find(' ', start), reply.size());
+    if (end == reply.size() && end > start && reply[end - 1] == '\n')
+        --end;
+    const std::string_view token = reply.substr(start, end - start);
+    if (token.empty() || token == "-log")
+        return std::string(reply);
+    std::string masked(reply.substr(0, start));
+    masked += "********";
+    masked += reply.substr(end);
+    return masked;
+}
+
+void logRawReply(const std::string &reply, std::optional<size_t> secretToken)
+{
+    if (!secretToken)
+        logMsg(reply);
+    else if (State::maskSecrets())
+        logMsg(withTokenMasked(reply, *secretToken));
+    else
+        State::logSecretEntry(reply);
+}
+
+} // namespace
+
 ExchangeResult runExchange(const std::string &windowName, const std::vector<std::string> &arguments,
                            ExchangeOptions options)
 {
@@ -84,7 +126,7 @@ ExchangeResult runExchange(const std::string &windowName, const std::vector<std:
     // When the reply failed there is nothing to log as the raw reply; the log
     // step still runs and finds no log section in the empty reply.
     if (options.logRawReply && exchange.response == 0)
-        logMsg(exchange.reply);
+        logRawReply(exchange.reply, options.secretToken);
     exchange.logResult = launcher.ProcessLogFromGUI(exchange.reply);
     return exchange;
 }

@@ -45,6 +45,9 @@ struct ExchangeOptions {
     // The file save and PKCS#12 dialogs log the whole reply before the GUI's
     // own log.
     bool logRawReply = false;
+    // The token of the raw reply that holds a secret (the PKCS#12 password):
+    // masked in the log when the host asked for that (ORV_SetMaskSecrets).
+    std::optional<size_t> secretToken = std::nullopt;
 };
 
 struct ExchangeResult {

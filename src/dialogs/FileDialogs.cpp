@@ -41,10 +41,10 @@ long displayFileDialog(Chooser chooser, const char *message, const char *fileNam
         if (const auto settled = exchange.settledBeforeInterpretation())
             return *settled;
         // The path is the second token whatever it holds, "-log" included.
-        const auto path = decodeReplyValue(Launcher::tokenAt(exchange.reply, 1), windowName);
-        if (!path)
+        std::string path;
+        if (!decodeReplyValue(Launcher::tokenAt(exchange.reply, 1), windowName, path))
             return kExchangeFailed;
-        return copyToHostBuffer(*path, outPath, outPathSize) ? kSuccess : kBufferTooSmall;
+        return copyToHostBuffer(path, outPath, outPathSize) ? kSuccess : kBufferTooSmall;
     });
 }
 

@@ -4,6 +4,7 @@
 #include "dialogs/ReplyValues.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "state/Language.hpp"
+#include "util/SecretMemory.hpp"
 
 #include <cstring>
 
@@ -25,21 +26,26 @@ long Dialog::displaySelectPKCS12Dialog(const char *fileName, char *outPath, unsi
     std::memset(outValue, 0, outValueSize);
 
     return withExceptionPath([&]() -> long {
+        // The second value is the file's password: every byte of memory that
+        // held the reply or a value decoded from it is wiped before it is
+        // freed or kept, and the log masks it when the host asked for that.
+        const SecretMemory::Scope secretReply;
         const auto arguments =
             argumentList({"-window", "SelectPKCS12", "-lang", languageCode(), "-filename", fileNameText});
-        const ExchangeResult exchange = runExchange("SelectPKCS12", arguments, {.logRawReply = true});
+        const ExchangeResult exchange =
+            runExchange("SelectPKCS12", arguments, {.logRawReply = true, .secretToken = 2});
         if (const auto settled = exchange.settledBeforeInterpretation())
             return *settled;
         // Both tokens are taken before either is decoded, whatever they hold.
         const std::string_view pathToken = Launcher::tokenAt(exchange.reply, 1);
         const std::string_view valueToken = Launcher::tokenAt(exchange.reply, 2);
-        const auto path = decodeReplyValue(pathToken, "SelectPKCS12");
-        const auto value = path ? decodeReplyValue(valueToken, "SelectPKCS12") : std::nullopt;
-        if (!path || !value)
+        std::string path, value;
+        const SecretMemory::WipedOnExit pathWiped(path), valueWiped(value);
+        if (!decodeReplyValue(pathToken, "SelectPKCS12", path) || !decodeReplyValue(valueToken, "SelectPKCS12", value))
             return kExchangeFailed;
-        if (!copyToHostBuffer(*path, outPath, outPathSize))
+        if (!copyToHostBuffer(path, outPath, outPathSize))
             return kBufferTooSmall;
-        return copyToHostBuffer(*value, outValue, outValueSize) ? kSuccess : kBufferTooSmall;
+        return copyToHostBuffer(value, outValue, outValueSize) ? kSuccess : kBufferTooSmall;
     });
 }
 

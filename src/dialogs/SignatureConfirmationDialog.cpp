@@ -4,6 +4,7 @@
 #include "dialogs/CertificateList.hpp"
 #include "dialogs/DialogExchange.hpp"
 #include "launcher/ReplyTokens.hpp"
+#include "platform/HostText.hpp"
 #include "state/Language.hpp"
 
 #include <limits>
@@ -18,11 +19,14 @@ const std::string kFormatEntry = "Neočekávaný formát odpovědi z okna Confir
 
 // The Base64 of a host text's UTF-8 bytes; text that is not UTF-8 gives no
 // bytes, and so the empty value. A null text cannot be converted at all.
+// Checked where it lies: a document of many MiB is not copied first.
 std::string base64OfText(const char *text, const char *name)
 {
     if (text == nullptr)
         throw Platform::PlatformException(std::string("no text for ") + name);
-    const std::string bytes = hostTextOrEmpty(text);
+    std::string_view bytes(text);
+    if (!Platform::isValidUtf8(bytes))
+        bytes = {};
     if (bytes.size() > std::numeric_limits<unsigned int>::max())
         throw Platform::PlatformException(std::string(name) + " is too long");
     return Util::Base64Encode(reinterpret_cast<const unsigned char *>(bytes.data()),
@@ -54,18 +58,20 @@ long Dialog::displayConfirmSignatureDialog(const ORV_Certificate *certs, unsigne
         const std::string language = languageCode();
         const OptionalText version = g_orvelSignVersion;
         const std::string preselected = decimal(*selected);
-        const std::string dataValue = base64OfText(data, "-data");
-        const OptionalText rtfValue = rtf ? OptionalText(base64OfText(rtf, "-rtf")) : std::nullopt;
+        std::string dataValue = base64OfText(data, "-data");
+        OptionalText rtfValue = rtf ? OptionalText(base64OfText(rtf, "-rtf")) : std::nullopt;
         const OptionalText hashAlgorithm = hostText(hashAlg);
         const OptionalText hashValue = hostText(hashVal);
 
+        // The large values are moved, not copied, into the list.
         const auto arguments =
             rtfValue ? argumentList({"-window", "SignatureConfirm", "-lang", language, "-version", version, "-data",
-                                     dataValue, "-hashAlg", hashAlgorithm, "-hashVal", hashValue, "-selectedCert",
-                                     preselected, "-rtf", rtfValue, "-certs", listText})
+                                     std::move(dataValue), "-hashAlg", hashAlgorithm, "-hashVal", hashValue,
+                                     "-selectedCert", preselected, "-rtf", std::move(rtfValue), "-certs",
+                                     std::move(listText)})
                      : argumentList({"-window", "SignatureConfirm", "-lang", language, "-version", version, "-data",
-                                     dataValue, "-hashAlg", hashAlgorithm, "-hashVal", hashValue, "-selectedCert",
-                                     preselected, "-certs", listText});
+                                     std::move(dataValue), "-hashAlg", hashAlgorithm, "-hashVal", hashValue,
+                                     "-selectedCert", preselected, "-certs", std::move(listText)});
         const ExchangeResult exchange = runExchange("SignatureConfirm", arguments, {.rawStatus = true});
         if (const auto settled = exchange.settledBeforeInterpretation())
             return *settled;

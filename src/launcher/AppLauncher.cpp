@@ -1,9 +1,11 @@
 #include <OrvelGUIDialogs/AppLauncher.hpp>
 #include <OrvelGUIDialogs/OrvelDialogs.hpp>
 
+#include "launcher/GuiEnvironment.hpp"
 #include "launcher/ReplyBuffer.hpp"
 #include "launcher/ReplyTokens.hpp"
 #include "launcher/ScriptedChild.hpp"
+#include "launcher/ValueFiles.hpp"
 #include "platform/Bundle.hpp"
 #include "platform/FileHandle.hpp"
 #include "platform/HostText.hpp"
@@ -12,6 +14,7 @@
 #include "state/Log.hpp"
 #include "state/OutputLimit.hpp"
 #include "util/Base64Alphabet.hpp"
+#include "util/SecretMemory.hpp"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -88,9 +91,9 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
 {
     auto task = std::make_shared<Task>();
     setGuiTask(task);
-    task->setArguments(arguments);
 
     if (currentScript != nullptr) {
+        task->setArguments(arguments);
         task->adoptExitedChild(currentScript->status);
         setInputHandle(std::make_shared<FileHandle>(OrvelDialogs::Platform::makePipe().writeEnd));
         setOutputHandle(std::make_shared<FileHandle>(fileHolding(currentScript->output)));
@@ -109,6 +112,7 @@ void AppLauncher::Launch(const std::string &bundlePath, const std::vector<std::s
     task->setStandardOutput(std::move(output.writeEnd));
     setInputHandle(std::make_shared<FileHandle>(std::move(input.writeEnd)));
     setOutputHandle(std::make_shared<FileHandle>(std::move(output.readEnd)));
+    OrvelDialogs::Launcher::giveArgumentsToTask(*task, arguments, OrvelDialogs::Launcher::settingsForGui());
 
     task->launch();
 }
@@ -135,6 +139,8 @@ void AppLauncher::WaitUntilExit()
     const std::uint64_t limit = OrvelDialogs::State::outputLimit();
     if (!guiTask_->waitUntilExit(nullptr, outputHandle_.get(), &collectedOutput_,
                                  static_cast<size_t>(std::min<std::uint64_t>(limit, SIZE_MAX)))) {
+        if (OrvelDialogs::SecretMemory::inScope())
+            OrvelDialogs::SecretMemory::wipe(collectedOutput_);
         std::string().swap(collectedOutput_);
         throw PlatformException("the GUI application wrote more than the output limit of " + std::to_string(limit) +
                                 " bytes (ORV_SetOutputLimit); it was killed and its output dropped");
@@ -239,6 +245,7 @@ int AppLauncher::ProcessLogFromGUI(const std::string &response)
         if (!OrvelDialogs::Platform::isValidUtf8(text)) {
             std::string readable = OrvelDialogs::Platform::textReplacingInvalidUtf8(text);
             log.resize(textStart);
+            OrvelDialogs::State::makeLogRoom(log, readable.size() + 2);
             log += readable;
         }
         log.append(" \n");

@@ -4,17 +4,27 @@
 
 namespace OrvelDialogs::Launcher {
 
-std::vector<std::string> argumentList(std::initializer_list<OptionalText> values)
+void ArgumentEntry::appendTo(std::vector<std::string> &list) const
+{
+    if (movable_ != nullptr)
+        list.push_back(std::move(*movable_));
+    else if (text_ != nullptr)
+        list.push_back(*text_);
+    else
+        list.emplace_back(literal_);
+}
+
+std::vector<std::string> argumentList(std::initializer_list<ArgumentEntry> entries)
 {
     std::vector<std::string> arguments;
-    arguments.reserve(values.size());
-    for (const auto &value : values) {
-        if (!value) {
+    arguments.reserve(entries.size());
+    for (const ArgumentEntry &entry : entries) {
+        if (entry.absent()) {
             const std::string previous = arguments.empty() ? std::string("(start)") : arguments.back();
             throw Platform::PlatformException("argument list: no value at position " +
                                               std::to_string(arguments.size()) + " (after \"" + previous + "\")");
         }
-        arguments.push_back(*value);
+        entry.appendTo(arguments);
     }
     return arguments;
 }

@@ -1,6 +1,7 @@
 #include "launcher/ReplyBuffer.hpp"
 
 #include "util/LargeBuffer.hpp"
+#include "util/SecretMemory.hpp"
 
 #include <utility>
 
@@ -42,6 +43,9 @@ void keepReplyBuffer(std::string &&buffer)
     Kept &state = kept();
     if (buffer.size() >= LargeBuffer::kLargeBytes)
         state.dialogsSinceLargeReply = 0;
+    // A reply that held a secret leaves none behind, kept or freed.
+    if (SecretMemory::inScope())
+        SecretMemory::wipe(buffer);
     if (buffer.capacity() <= state.room.capacity() || buffer.capacity() > kMaximumKeptRoom)
         return;
     buffer.clear();

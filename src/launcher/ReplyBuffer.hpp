@@ -15,7 +15,7 @@ std::string takeReplyBuffer();
 
 // Keeps the room of `buffer`, which still holds its reply, for the next reply
 // when it is more than what is kept and within the bound; anything else is
-// freed.
+// freed. Inside a secret scope the reply is wiped first.
 void keepReplyBuffer(std::string &&buffer);
 
 } // namespace OrvelDialogs::Launcher

@@ -62,8 +62,9 @@ std::optional<std::string> bundleExecutablePath(const std::string &givenPath)
         try {
             name = readStringFromPropertyListFile(infoPlist, "CFBundleExecutable");
         } catch (const PlatformException &refused) {
-            // Still no bundle to start, but the entry tells why.
-            throw PlatformException("no application bundle with an executable at \"" + givenPath +
+            // The bundle is there, but its Info.plist could not be opened or
+            // read, or was refused: say that and why, not that it is missing.
+            throw PlatformException("cannot start the application bundle at \"" + givenPath +
                                     "\": " + refused.reason());
         }
         if (!name || name->empty() || name->find('/') != std::string::npos)

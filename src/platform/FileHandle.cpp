@@ -2,6 +2,7 @@
 
 #include "platform/PlatformException.hpp"
 #include "util/LargeBuffer.hpp"
+#include "util/SecretMemory.hpp"
 
 #include <fcntl.h>
 #include <pthread.h>
@@ -154,8 +155,14 @@ FileHandle::ReadResult FileHandle::readAvailable(std::string *sink)
         // a descriptor that FIONREAD does not answer for.
         static thread_local char scratch[kScratchBytes];
         n = retryOnInterrupt([&] { return ::read(fd_.get(), scratch, sizeof scratch); });
-        if (n > 0 && sink != nullptr)
+        if (n > 0 && sink != nullptr) {
+            // Grown the way the sink always grows, so that a secret's room is
+            // wiped as it is given up; the scratch copy goes too.
+            LargeBuffer::reserve(*sink, sink->size() + static_cast<size_t>(n));
             sink->append(scratch, static_cast<size_t>(n));
+            if (SecretMemory::inScope())
+                SecretMemory::wipe(scratch, static_cast<size_t>(n));
+        }
     }
     if (n > 0)
         return ReadResult::Data;

@@ -3,6 +3,7 @@
 #include "platform/FileHandle.hpp"
 #include "platform/PlatformException.hpp"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -67,6 +68,24 @@ void check(int error, const char *call)
         raiseSystemError(call, error);
 }
 
+// Hands `files` to the child as descriptors kFirstInheritedFile, + 1, ...
+// The actions run in order, so a source among those numbers would be
+// overwritten before its own turn: such a source is first moved above them.
+void addInheritedFiles(posix_spawn_file_actions_t *actions, std::vector<UniqueFd> &files)
+{
+    const int firstFree = Task::kFirstInheritedFile + static_cast<int>(files.size());
+    for (size_t i = 0; i < files.size(); ++i) {
+        if (files[i].get() < firstFree) {
+            UniqueFd lifted(::fcntl(files[i].get(), F_DUPFD_CLOEXEC, firstFree));
+            if (!lifted.valid())
+                raiseSystemError("fcntl(F_DUPFD_CLOEXEC)", errno);
+            files[i] = std::move(lifted);
+        }
+        check(posix_spawn_file_actions_adddup2(actions, files[i].get(), Task::kFirstInheritedFile + static_cast<int>(i)),
+              "posix_spawn_file_actions_adddup2");
+    }
+}
+
 } // namespace
 
 Task::~Task()
@@ -84,6 +103,7 @@ void Task::launch()
     // The child's pipe ends are ours to close whatever happens below.
     UniqueFd childStdin = std::move(childStdin_);
     UniqueFd childStdout = std::move(childStdout_);
+    std::vector<UniqueFd> inheritedFiles = std::move(inheritedFiles_);
     if (launchPath_.empty())
         throw PlatformException("launch: no launch path");
 
@@ -94,10 +114,12 @@ void Task::launch()
     if (childStdout.valid())
         check(posix_spawn_file_actions_adddup2(actions.get(), childStdout.get(), STDOUT_FILENO),
               "posix_spawn_file_actions_adddup2");
+    addInheritedFiles(actions.get(), inheritedFiles);
 #if defined(__APPLE__)
     // On macOS POSIX_SPAWN_CLOEXEC_DEFAULT (below) closes everything else.
 #else
-    check(posix_spawn_file_actions_addclosefrom_np(actions.get(), STDERR_FILENO + 1),
+    check(posix_spawn_file_actions_addclosefrom_np(actions.get(),
+                                                   kFirstInheritedFile + static_cast<int>(inheritedFiles.size())),
           "posix_spawn_file_actions_addclosefrom_np");
 #endif
 
@@ -122,9 +144,17 @@ void Task::launch()
     for (auto &argument : arguments_)
         argv.push_back(argument.data());
     argv.push_back(nullptr);
+    std::vector<char *> envp;
+    if (environment_) {
+        envp.reserve(environment_->size() + 1);
+        for (auto &entry : *environment_)
+            envp.push_back(entry.data());
+        envp.push_back(nullptr);
+    }
 
     pid_t pid = -1;
-    const int error = posix_spawn(&pid, launchPath_.c_str(), actions.get(), attributes.get(), argv.data(), environ);
+    const int error = posix_spawn(&pid, launchPath_.c_str(), actions.get(), attributes.get(), argv.data(),
+                                  environment_ ? envp.data() : environ);
     if (error != 0)
         raiseSystemError("posix_spawn " + launchPath_, error);
     pid_ = pid;

@@ -1,13 +1,15 @@
 // One child process: program, argument vector, standard input and output.
-// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2,
-// the host's standard error, environment and working directory, and starts
-// with an empty signal mask and default signal dispositions.
+// Started with posix_spawn; the child inherits only descriptors 0, 1 and 2
+// (and the files it is given, from 3 on), the host's standard error and
+// working directory, and starts with an empty signal mask and default signal
+// dispositions. Its environment is the host's unless the task is given one.
 #pragma once
 
 #include "platform/Descriptor.hpp"
 
 #include <sys/types.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -26,10 +28,18 @@ public:
     const std::string &launchPath() const { return launchPath_; }
     void setArguments(std::vector<std::string> arguments) { arguments_ = std::move(arguments); }
     const std::vector<std::string> &arguments() const { return arguments_; }
+    // "NAME=value" entries in place of the host's environment, which the
+    // child gets as it is until this is called.
+    void setEnvironment(std::vector<std::string> environment) { environment_ = std::move(environment); }
     // The child's ends of its pipes; the task closes them once it has started
     // the child (or failed to).
     void setStandardInput(UniqueFd childEnd) { childStdin_ = std::move(childEnd); }
     void setStandardOutput(UniqueFd childEnd) { childStdout_ = std::move(childEnd); }
+    // Files the child gets as descriptors kFirstInheritedFile, + 1, ... in
+    // this order; the task closes its copies once it has started the child
+    // (or failed to).
+    static constexpr int kFirstInheritedFile = 3;
+    void setInheritedFiles(std::vector<UniqueFd> files) { inheritedFiles_ = std::move(files); }
 
     // Starts the child without waiting. Raises the platform exception when
     // the program cannot be started.
@@ -78,8 +88,10 @@ private:
 
     std::string launchPath_;
     std::vector<std::string> arguments_;
+    std::optional<std::vector<std::string>> environment_;
     UniqueFd childStdin_;
     UniqueFd childStdout_;
+    std::vector<UniqueFd> inheritedFiles_;
     UniqueFd pidFd_;
     pid_t pid_ = -1;
     State state_ = State::NotLaunched;

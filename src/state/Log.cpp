@@ -13,13 +13,17 @@ namespace {
 // copy faulted in) seldom. Room not yet written costs address space only.
 constexpr size_t kLogGrowth = 4;
 
+// Set once an entry held a secret; the log then never leaves a copy of
+// itself behind when it grows.
+bool logHoldsSecret = false;
+
 // The log with room for `bytes` more, in huge pages once it is large.
 std::string &logWithRoomFor(size_t bytes)
 {
     if (!g_logBuffer)
         g_logBuffer.emplace();
     std::string &log = *g_logBuffer;
-    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes, kLogGrowth);
+    OrvelDialogs::State::makeLogRoom(log, bytes);
     return log;
 }
 
@@ -45,6 +49,17 @@ void logEntryInPlace(size_t expectedBytes, const std::function<void(std::string 
         throw;
     }
     log.push_back('\n');
+}
+
+void makeLogRoom(std::string &log, size_t bytes)
+{
+    OrvelDialogs::LargeBuffer::reserve(log, log.size() + bytes, kLogGrowth, logHoldsSecret);
+}
+
+void logSecretEntry(const std::string &message)
+{
+    logHoldsSecret = true;
+    logMsg(message);
 }
 
 } // namespace OrvelDialogs::State

@@ -14,4 +14,12 @@ namespace OrvelDialogs::State {
 // exception passes.
 void logEntryInPlace(size_t expectedBytes, const std::function<void(std::string &)> &write);
 
+// Room for `bytes` more in the log handed to such a `write`, for an entry
+// that turns out longer than expected.
+void makeLogRoom(std::string &log, size_t bytes);
+
+// The log append for an entry that holds a secret. From then on the log's
+// room is wiped whenever it grows, so that the secret stays in the log only.
+void logSecretEntry(const std::string &message);
+
 } // namespace OrvelDialogs::State

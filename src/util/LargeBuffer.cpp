@@ -1,5 +1,7 @@
 #include "util/LargeBuffer.hpp"
 
+#include "util/SecretMemory.hpp"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -50,12 +52,13 @@ void adviseHugePages([[maybe_unused]] char *data, [[maybe_unused]] size_t size)
 
 } // namespace
 
-void reserve(std::string &text, size_t capacity, size_t growth)
+void reserve(std::string &text, size_t capacity, size_t growth, bool wipeReleased)
 {
     if (capacity <= text.capacity())
         return;
     capacity = std::max(capacity, text.capacity() * growth);
-    if (capacity < kLargeBytes) {
+    const bool wipe = wipeReleased || SecretMemory::inScope();
+    if (capacity < kLargeBytes && !wipe) {
         text.reserve(capacity);
         return;
     }
@@ -70,8 +73,11 @@ void reserve(std::string &text, size_t capacity, size_t growth)
     // huge pages.
     std::string room;
     room.reserve(capacity);
-    adviseHugePages(room.data(), room.capacity());
+    if (capacity >= kLargeBytes)
+        adviseHugePages(room.data(), room.capacity());
     room.append(text);
+    if (wipe)
+        SecretMemory::wipe(text);
     text.swap(room);
 }
 

@@ -18,8 +18,10 @@ namespace OrvelDialogs::LargeBuffer {
 inline constexpr size_t kLargeBytes = size_t{1} << 20;
 
 // Makes room for `capacity` bytes in `text` without changing its contents.
-// Room grows at least `growth`-fold, so that appending stays linear.
-void reserve(std::string &text, size_t capacity, size_t growth = 2);
+// Room grows at least `growth`-fold, so that appending stays linear. The room
+// given up is wiped first for `wipeReleased`, and inside a secret scope
+// (SecretMemory.hpp).
+void reserve(std::string &text, size_t capacity, size_t growth = 2, bool wipeReleased = false);
 
 // Sets the size of `text` to `size` (not below its current size) and returns
 // where its new bytes begin; they hold no defined value until the caller

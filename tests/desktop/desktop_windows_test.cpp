@@ -208,6 +208,8 @@ private slots:
         QTest::newRow("long text with markers") << QByteArray("Clause \xe2\x80\xae.\n").repeated(400) << false
                                                 << "Clause ⟨U+202E⟩.";
         QTest::newRow("bytes that are not text") << QByteArray("Pay 100 \xe9UR") << true << "50 61 79 20";
+        QTest::newRow("a 1 MB document, whole") << QByteArray("Clause of the contract.\n").repeated(44000) + "The end."
+                                                << false << "The end.";
     }
     void signatureNeverSignsUnread()
     {

@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # The desktop front end end to end: orvel-dialogs -> library -> OrvelGUI.app
 # under a private Xvfb server, the window found and answered with xdotool.
-# Also: a window whose host is killed closes by itself.
+# Also: a window whose host is killed closes by itself; a window stays above
+# the host's window it was given; no session bus is started; a display that
+# goes away ends the window with status 6.
 set -u
 tool=$1
-for program in Xvfb xdotool; do
+for program in Xvfb xdotool xprop xmessage; do
   command -v "$program" >/dev/null || { echo "SKIP: $program is not installed"; exit 77; }
 done
 work=$(mktemp -d)
@@ -16,7 +18,8 @@ Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp 3>"$work/display" 2>"$work
 server=$!
 read -r -t 20 number <"$work/display" || { echo "FAILED: Xvfb did not start"; cat "$work/xvfb.log"; exit 1; }
 export DISPLAY=:$number ORVEL_GUI_FRONTEND=desktop XDG_RUNTIME_DIR=$work
-unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+# No session bus: none may be started for our windows either.
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM DBUS_SESSION_BUS_ADDRESS
 
 failed=0
 # window <title>: the id of the window once it is mapped (20 s at most).
@@ -64,6 +67,45 @@ if [ -n "$id" ] && [ "$gone" -eq 1 ]; then
   echo "ok: the window closed when its host was killed"
 else
   echo "FAILED: the window outlived its killed host"; failed=1
+fi
+
+# The host names its window (here an xmessage): ours is its transient, and
+# the message box, which gets no -lang, speaks the tool's language.
+xmessage -name host "The host" 2>/dev/null &
+holder=$!
+hostId=$(window "^host$")
+"$tool" --lang sk --log --parent-window "x11:$hostId" message --message "Hotovo" >/dev/null 2>"$work/err" &
+host=$!
+id=$(window "^Informácia")
+transient=$([ -n "$id" ] && xprop -id "$id" WM_TRANSIENT_FOR)
+[ -n "$id" ] && xdotool windowfocus --sync "$id" key Escape 2>/dev/null
+wait "$host"
+kill "$holder"
+if [ -n "$hostId" ] && [ "$transient" = "WM_TRANSIENT_FOR(WINDOW): window id # $(printf '0x%x' "$hostId")" ]; then
+  echo "ok: the Slovak message box stays above the host's window"
+else
+  echo "FAILED: '${transient:-no Slovak message box}' is not transient for ${hostId:-no host window}"; cat "$work/err"; failed=1
+fi
+
+# A dbus-daemon autolaunched for this display would carry it in its environment.
+for daemon in $(pgrep -x dbus-daemon); do
+  if tr '\0' '\n' <"/proc/$daemon/environ" 2>/dev/null | grep -qx "DISPLAY=:$number"; then
+    echo "FAILED: a dbus-daemon ($daemon) was started for the display"; kill "$daemon"; failed=1
+  fi
+done
+
+# Last, since it ends the display: the X server dies under an open question.
+"$tool" --lang en --log yesno --message "Still there?" >/dev/null 2>"$work/err" &
+host=$!
+id=$(window "^Question")
+kill "$server"
+wait "$host"
+status=$?
+server=
+if [ -n "$id" ] && [ "$status" -eq 6 ] && grep -q "The display connection was lost" "$work/err"; then
+  echo "ok: a lost display ends the question with status 6"
+else
+  echo "FAILED: after the display was lost the status was $status"; cat "$work/err"; failed=1
 fi
 
 [ "$failed" -eq 0 ] && echo "desktop end to end: all passed"

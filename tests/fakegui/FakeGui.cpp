@@ -1,7 +1,8 @@
 // A GUI application stand-in for the tests, scripted through the FAKEGUI_*
 // environment variables that support/FakeGui.hpp sets (the library's child
 // inherits the test's environment). In this order it records its arguments,
-// open descriptors and signal state in FAKEGUI_RECORD_DIR, waits for
+// environment, open descriptors, signal state and the value files that
+// ORVEL_GUI_VALUE_FILES announces in FAKEGUI_RECORD_DIR, waits for
 // FAKEGUI_GATE_FILE, reads and records its input (FAKEGUI_READ_STDIN), writes
 // its reply (the file FAKEGUI_REPLY_FILE or the text FAKEGUI_REPLY, then
 // FAKEGUI_FILL_BYTES of FAKEGUI_FILL_CHAR, then FAKEGUI_REPLY_SUFFIX), leaves a
@@ -10,6 +11,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -71,6 +73,25 @@ std::string signalState()
     return state;
 }
 
+// For each file that ORVEL_GUI_VALUE_FILES names a line "<option> <seals>
+// <bytes>" in "valuefiles", and what the file holds in "value<option>".
+template <typename Record>
+void recordValueFiles(const Record &record)
+{
+    const char *announced = std::getenv("ORVEL_GUI_VALUE_FILES");
+    std::istringstream entries(announced ? announced : "");
+    std::string lines;
+    for (std::string entry; std::getline(entries, entry, ',');) {
+        const std::string option = entry.substr(0, entry.find(':'));
+        const int fd = std::atoi(entry.c_str() + option.size() + 1);
+        struct stat status{};
+        fstat(fd, &status);
+        lines += option + ' ' + std::to_string(fcntl(fd, F_GET_SEALS)) + ' ' + std::to_string(status.st_size) + '\n';
+        record(("value" + option).c_str(), readFile("/proc/self/fd/" + std::to_string(fd)));
+    }
+    record("valuefiles", lines);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -84,8 +105,13 @@ int main(int argc, char **argv)
     for (int i = 1; i < argc; ++i)
         arguments += std::string(argv[i]) + '\0';
     record("argv", arguments);
+    std::string environment;
+    for (char **entry = environ; *entry != nullptr; ++entry)
+        environment += std::string(*entry) + '\0';
+    record("environ", environment);
     record("fds", openDescriptors());
     record("signals", signalState());
+    recordValueFiles(record);
 
     const std::string gate = env("FAKEGUI_GATE_FILE");
     while (!gate.empty() && access(gate.c_str(), F_OK) != 0)

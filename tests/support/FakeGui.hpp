@@ -26,6 +26,8 @@ public:
 
     // Any bytes, zero bytes and invalid UTF-8 included.
     FakeGui &reply(std::string_view bytes);
+    // The reply is the file's content.
+    FakeGui &replyFile(const std::string &path) { return set("FAKEGUI_REPLY_FILE", path); }
     // `count` bytes of `fill` after the reply, then `suffix`.
     FakeGui &fill(size_t count, char fill = 'Q', std::string_view suffix = {});
     FakeGui &exitStatus(int status) { return set("FAKEGUI_EXIT", std::to_string(status)); }
@@ -39,13 +41,21 @@ public:
 
     // What the last child recorded.
     std::vector<std::string> arguments() const;
+    std::vector<std::string> environment() const; // "NAME=value", in order
     std::string stdinBytes() const;
     std::vector<int> openDescriptors() const;
     std::string signalState() const;
+    // ORVEL_GUI_VALUE_FILES as the child saw it, or "(none)"; for each file
+    // it names a line "<option> <seals> <bytes>"; what the file of `option`
+    // held.
+    std::string announcement() const;
+    std::string valueFiles() const { return recorded("valuefiles"); }
+    std::string valueRead(const std::string &option) const { return recorded("value" + option); }
     bool ran() const;
 
 private:
     FakeGui &set(const char *name, const std::string &value);
+    std::string recorded(const std::string &name) const;
 
     std::string recordDir_;
 };
@@ -53,7 +63,9 @@ private:
 // "<head> -log <Base64 of log>": a well-formed reply.
 std::string replyWithLog(std::string_view head, std::string_view log = "hello");
 
-// The test's own encoder, so that no expectation is made by the library.
-std::string base64(std::string_view bytes);
+// The test's own encoder, so that no expectation is made by the library. With
+// a mask it reads bytes kept XOR `mask` and writes its text XOR `mask`, for a
+// secret that the test itself must not hold in clear.
+std::string base64(std::string_view bytes, char mask = 0);
 
 } // namespace OrvelTest

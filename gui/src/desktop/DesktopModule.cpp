@@ -1,6 +1,9 @@
 // The entry point of the desktop module (libOrvelGUIDesktop).
 #include "desktop/DesktopFrontEnd.hpp"
 #include "desktop/DesktopSession.hpp"
+#include "desktop/DisplayLoss.hpp"
+#include "desktop/HostWindow.hpp"
+#include "desktop/SessionBus.hpp"
 #include "desktop/FirstPaintHook.hpp"
 
 #include <QApplication>
@@ -21,6 +24,7 @@ void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &mes
 {
     if (type == QtDebugMsg || type == QtInfoMsg)
         return;
+    endIfDisplayLost(message);
     if (qtMessagesLog && QThread::currentThread() == QCoreApplication::instance()->thread())
         qtMessagesLog->add("Qt: " + message.toStdString());
     else
@@ -29,7 +33,8 @@ void logQtMessage(QtMsgType type, const QMessageLogContext &, const QString &mes
 
 class QtDesktopSession final : public DesktopSession {
 public:
-    explicit QtDesktopSession(GuiLog &log) : messages_(log), application_(argc_, argv_), frontEnd_(log)
+    explicit QtDesktopSession(GuiLog &log)
+        : messages_(log), application_(argc_, argv_), hostWindow_(log), frontEnd_(log)
     {
         QApplication::setApplicationDisplayName(QStringLiteral("Orvel Dialogs"));
         FirstPaintHook::installIfRequested(&application_);
@@ -55,6 +60,7 @@ private:
     char name_[9] = "OrvelGUI";
     char *argv_[2] = {name_, nullptr};
     QApplication application_;
+    HostWindow hostWindow_;
     DesktopFrontEnd frontEnd_;
 };
 
@@ -66,5 +72,6 @@ orvelGuiOpenDesktopSession(OrvelGui::GuiLog *log, std::string *why)
 {
     if (!OrvelGui::displayReachable(*why))
         return nullptr;
+    OrvelGui::useOnlyARunningSessionBus(*log);
     return new OrvelGui::QtDesktopSession(*log);
 }

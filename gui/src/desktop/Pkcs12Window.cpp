@@ -1,5 +1,6 @@
 #include "desktop/Pkcs12Window.hpp"
 
+#include "common/PasswordMemory.hpp"
 #include "common/Pkcs12Check.hpp"
 #include "desktop/HostText.hpp"
 #include "desktop/HostWatch.hpp"
@@ -74,9 +75,21 @@ std::string Pkcs12Window::path() const
     return QFile::encodeName(QFileInfo(file_->text()).absoluteFilePath()).toStdString();
 }
 
+Pkcs12Window::~Pkcs12Window()
+{
+    // text() shares the field's own storage: the password is overwritten
+    // there, and setText drops the field's undo history with it.
+    const QString typed = password_->text();
+    wipeSecret(const_cast<QChar *>(typed.constData()), static_cast<std::size_t>(typed.size()) * sizeof(QChar));
+    password_->setText(QString());
+}
+
 std::string Pkcs12Window::password() const
 {
-    return password_->text().toStdString();
+    QByteArray utf8 = password_->text().toUtf8();
+    std::string typed(utf8.constData(), static_cast<std::size_t>(utf8.size()));
+    wipeSecret(utf8.data(), static_cast<std::size_t>(utf8.size()));
+    return typed;
 }
 
 QWidget *Pkcs12Window::problem() const
@@ -109,7 +122,9 @@ void Pkcs12Window::accept()
         return;
     const std::string file = path();
     const char *problem = nullptr;
-    switch (checkPkcs12(file, password())) {
+    std::string typed = password();
+    const WipedOnExit wiped(typed);
+    switch (checkPkcs12(file, typed)) {
     case Pkcs12Check::Ok:
         DesktopWindow::accept();
         return;

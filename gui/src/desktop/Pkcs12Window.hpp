@@ -17,6 +17,8 @@ class Pkcs12Window : public DesktopWindow {
     Q_OBJECT
 public:
     explicit Pkcs12Window(const Request &request, QWidget *parent = nullptr);
+    // Wipes the password where the field keeps it.
+    ~Pkcs12Window() override;
     std::string path() const;
     std::string password() const;
 

@@ -1,5 +1,6 @@
 // "SelectPKCS12": a path field filled with `-filename`, then a password field
 // shown as "*"; the file and the password are checked before the reply.
+#include "common/PasswordMemory.hpp"
 #include "common/Pkcs12Check.hpp"
 #include "terminal/Menu.hpp"
 #include "terminal/Paths.hpp"
@@ -37,9 +38,10 @@ Outcome selectPkcs12Window(Console &console, const Request &request, Answer &ans
         passwordPage.title = t.titlePkcs12;
         passwordPage.text = {oneLine(file)};
         for (;;) {
-            const auto password = readLine(console, passwordPage, t.password, "", true);
+            auto password = readLine(console, passwordPage, t.password, "", true);
             if (!password)
                 return Outcome::Cancelled;
+            const WipedOnExit typed(*password);
             if (checkPkcs12(file, *password) == Pkcs12Check::WrongPassword) {
                 passwordPage.text = {oneLine(file), bold(t.pkcs12WrongPassword)};
                 console.log().add("Wrong PKCS#12 password.");

@@ -17,8 +17,18 @@ namespace {
 // What the signal handler needs; only async-signal-safe calls use it.
 volatile sig_atomic_t g_terminalFd = -1;
 struct termios g_savedMode;
-constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
+// Every signal whose default action ends the process, but SIGPIPE (ignored
+// here) and SIGKILL and SIGSTOP (which cannot be caught): a crash gives the
+// terminal back as a Ctrl-C does.
+constexpr int kSignals[] = {SIGINT,  SIGTERM, SIGHUP,  SIGQUIT, SIGSEGV, SIGABRT, SIGBUS,    SIGFPE, SIGILL,
+                            SIGTRAP, SIGSYS,  SIGXCPU, SIGXFSZ, SIGALRM, SIGUSR1, SIGUSR2, SIGPROF, SIGVTALRM};
 struct sigaction g_previousActions[std::size(kSignals)];
+bool g_handled[std::size(kSignals)];
+// The handler runs here, so that a stack overflow (SIGSEGV with no stack
+// left) still gets the terminal back.
+alignas(16) char g_signalStack[64 * 1024];
+stack_t g_previousSignalStack;
+bool g_ownSignalStack = false;
 // SIGWINCH writes a byte here so that a wait in poll() wakes up to redraw.
 int g_resizePipe[2] = {-1, -1};
 struct sigaction g_previousResizeAction;
@@ -37,8 +47,10 @@ void restoreFromSignal(int signalNumber)
         [[maybe_unused]] const ssize_t ignored = ::write(fd, kLeaveScreen, sizeof kLeaveScreen - 1);
         ::tcsetattr(fd, TCSANOW, &g_savedMode);
     }
-    // SA_RESETHAND has put back the default action; it ends the process as
-    // soon as this handler returns.
+    // SA_RESETHAND has put back the default action. The signal raised again
+    // ends the process as soon as this handler returns; a fault that is not
+    // raised but made (a bad address) comes back on its own when the
+    // instruction runs again.
     ::raise(signalNumber);
 }
 
@@ -106,12 +118,21 @@ std::unique_ptr<Terminal> Terminal::open(GuiLog &log)
     }
     g_savedMode = mode;
     g_terminalFd = fd;
+    stack_t signalStack{};
+    signalStack.ss_sp = g_signalStack;
+    signalStack.ss_size = sizeof g_signalStack;
+    g_ownSignalStack = ::sigaltstack(&signalStack, &g_previousSignalStack) == 0;
     for (std::size_t i = 0; i < std::size(kSignals); ++i) {
+        // A signal the process ignores stays ignored.
+        g_handled[i] = ::sigaction(kSignals[i], nullptr, &g_previousActions[i]) == 0 &&
+                       g_previousActions[i].sa_handler != SIG_IGN;
+        if (!g_handled[i])
+            continue;
         struct sigaction action{};
         action.sa_handler = restoreFromSignal;
-        action.sa_flags = SA_RESETHAND;
+        action.sa_flags = SA_RESETHAND | (g_ownSignalStack ? SA_ONSTACK : 0);
         sigfillset(&action.sa_mask);
-        ::sigaction(kSignals[i], &action, &g_previousActions[i]);
+        ::sigaction(kSignals[i], &action, nullptr);
     }
 
     // Raw input: bytes as typed, no echo, Ctrl-C as a key (so that it does not
@@ -144,7 +165,11 @@ Terminal::~Terminal()
     ::tcsetattr(fd_, TCSANOW, &g_savedMode);
     g_terminalFd = -1;
     for (std::size_t i = 0; i < std::size(kSignals); ++i)
-        ::sigaction(kSignals[i], &g_previousActions[i], nullptr);
+        if (g_handled[i])
+            ::sigaction(kSignals[i], &g_previousActions[i], nullptr);
+    if (g_ownSignalStack)
+        ::sigaltstack(&g_previousSignalStack, nullptr);
+    g_ownSignalStack = false;
     if (g_resizePipe[0] >= 0) {
         ::sigaction(SIGWINCH, &g_previousResizeAction, nullptr);
         ::close(g_resizePipe[0]);

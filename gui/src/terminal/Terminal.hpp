@@ -1,9 +1,12 @@
 // The controlling terminal (/dev/tty) in raw mode: keys in, screens out.
 // Standard input and output belong to the library's pipes, so the user is
 // reached through /dev/tty only. The terminal's mode is restored when the
-// object goes away and also when SIGINT, SIGTERM, SIGHUP or SIGQUIT ends the
-// process (the handler restores, then re-raises the signal). A change of the
-// window's size (SIGWINCH) arrives as a key of its own.
+// object goes away and also when a signal ends the process: SIGINT, SIGTERM,
+// SIGHUP, SIGQUIT, a crash (SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL) and the
+// other signals whose default is to end it. The handler runs on a stack of
+// its own, writes with async-signal-safe calls only, and then lets the
+// signal's default action end the process. A change of the window's size
+// (SIGWINCH) arrives as a key of its own.
 #pragma once
 
 #include "protocol/GuiLog.hpp"
