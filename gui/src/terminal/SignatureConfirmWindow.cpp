@@ -49,8 +49,10 @@ std::size_t addSignedData(Lines &lines, Console &console, const char *name, cons
     addHiddenWarning(lines, t, shown.hiddenCharacters);
     const std::size_t first = lines.size();
     addLines(lines, shown);
-    if (!view.isText && lines.size() > first + 1 && lines.back().empty())
-        lines.pop_back(); // the dump's closing line feed
+    // Trailing line breaks (and the dump's closing one) show nothing, as in
+    // the desktop's view.
+    while (lines.size() > first + 1 && lines.back().empty())
+        lines.pop_back();
     return first + 1;
 }
 
