@@ -156,6 +156,20 @@ public:
         }
     }
 
+    // Waits until nothing more has been drawn for `quietMs` (a window may
+    // draw twice in a row), for the screen as last drawn to be whole.
+    void settle(int quietMs = 200)
+    {
+        if (screen_.size() == settledSize_)
+            return;
+        for (const auto deadline = now() + kWaitMs; now() < deadline;) {
+            const std::size_t before = screen_.size();
+            if (!pump(quietMs) || screen_.size() == before)
+                break;
+        }
+        settledSize_ = screen_.size();
+    }
+
     void sendKeys(std::string_view keys) { writeAll(screenFd_, keys); }
     void writeStdin(std::string_view bytes) { writeAll(stdinFd_, bytes); }
     void closeStdin()
@@ -233,6 +247,7 @@ private:
     bool screenOpen_ = true;
     std::string screen_, stdout_;
     std::size_t cursor_ = 0;
+    std::size_t settledSize_ = 0;
 };
 
 // The rows of the screen as last drawn, without their escape sequences.
@@ -306,6 +321,7 @@ inline void play(const std::string &program, const Session &session, bool pipeSt
         case '-': EXPECT_EQ((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
         case '@': EXPECT_NE(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
         case '[': {
+            p.settle();
             std::string shown;
             for (const std::string &row : lastDrawnRows(p.screen()))
                 shown += row + "\n";
@@ -313,6 +329,7 @@ inline void play(const std::string &program, const Session &session, bool pipeSt
             break;
         }
         case '|':
+            p.settle();
             for (const std::string &row : lastDrawnRows(p.screen()))
                 EXPECT_LE(cellsOf(row), session.columns) << row;
             break;
