@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
   build-essential cmake ninja-build pkg-config
-  libplist-dev libssl-dev openssl libcli11-dev help2man
+  libplist-dev libssl-dev openssl libcli11-dev help2man libutf8proc-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   clang libclang-rt-14-dev
   python3 locales gcovr

@@ -33,6 +33,15 @@ openssl pkcs12 -export -inkey novak.key -in novak.pem -passout pass:heslo -out n
 printf 'Smlouva o dílo č. 2026/117\n\n' >contract.txt
 for i in $(seq 1 12); do printf 'Článek %d: Zhotovitel provede dílo řádně a včas; objednatel zaplatí cenu.\n' "$i"; done >>contract.txt
 mkdir -p documents && touch documents/smlouva.pdf documents/faktura.pdf documents/poznámky.txt
+# A hostile document: a right-to-left override that turns the IBAN and a file
+# name around, a zero-width space, a sentence in tag characters that no font
+# draws; and formatted text with a header, white and hidden text.
+printf 'Platební příkaz č. 2026/118\n\nIBAN: \u202e9935 4100 0291 0000 0080 56ZC\nPříloha: faktura\u202efdp.exe\nČástka: 12\u200b500 Kč\xf3\xa0\x81\x90\xf3\xa0\x81\xa1\xf3\xa0\x81\xb9\n' >hostile.txt
+cat >hostile.rtf <<'RTF'
+{\rtf1\ansi\ansicpg1250{\fonttbl{\f0 Arial;}}{\colortbl;\red255\green255\blue255;}{\header Strana 1\par}
+Platebn\'ed p\'f8\'edkaz \'e8. 2026/118\par \'c8\'e1stka: 12 500 K\'e8{\cf1  a 90 000 K\'e8 nav\'edc}\par
+{\v Souhlas\'edm s p\'f8evodem cel\'e9ho \'fa\'e8tu.}\par}
+RTF
 
 export QT_QPA_PLATFORM=offscreen ORVEL_GUI_FRONTEND=desktop
 shot() { # file, then the tool's arguments
@@ -63,5 +72,7 @@ for lang in cs en; do
   shot "$lang-confirm-signature" --lang "$lang" confirm-signature --data "$(cat contract.txt)" \
     --sign-version "Orvel Sign 5.2" novak.pem svobodova.pem kral.pem
   shot "$lang-pkcs12" --lang "$lang" pkcs12 --filename "$work/novak.p12"
+  shot "$lang-confirm-signature-hostile" --lang "$lang" confirm-signature --data "$(cat hostile.txt)" \
+    --rtf "$(cat hostile.rtf)" --sign-version "Orvel Sign 5.2" novak.pem svobodova.pem kral.pem
 done
 ls "$out"

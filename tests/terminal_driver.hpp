@@ -20,7 +20,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <clocale>
 #include <cstdlib>
+#include <cwchar>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +40,8 @@ namespace OrvelTest {
 //   %text  the GUI's log lacks text               "-log" in its reply) holds text
 //   *raw   the terminal is in raw mode    *restored  as the user left it: cooked,
 //                                                    the main screen
+//   [text  the screen as last drawn shows text (its styles left out)
+//   |      no row of the screen as last drawn is wider than the terminal
 constexpr const char *kDown = "!\x1b[B";
 constexpr const char *kEnter = "!\r";
 constexpr const char *kEscape = "!\x1b";
@@ -152,6 +156,20 @@ public:
         }
     }
 
+    // Waits until nothing more has been drawn for `quietMs` (a window may
+    // draw twice in a row), for the screen as last drawn to be whole.
+    void settle(int quietMs = 200)
+    {
+        if (screen_.size() == settledSize_)
+            return;
+        for (const auto deadline = now() + kWaitMs; now() < deadline;) {
+            const std::size_t before = screen_.size();
+            if (!pump(quietMs) || screen_.size() == before)
+                break;
+        }
+        settledSize_ = screen_.size();
+    }
+
     void sendKeys(std::string_view keys) { writeAll(screenFd_, keys); }
     void writeStdin(std::string_view bytes) { writeAll(stdinFd_, bytes); }
     void closeStdin()
@@ -229,7 +247,37 @@ private:
     bool screenOpen_ = true;
     std::string screen_, stdout_;
     std::size_t cursor_ = 0;
+    std::size_t settledSize_ = 0;
 };
+
+// The rows of the screen as last drawn, without their escape sequences.
+inline std::vector<std::string> lastDrawnRows(const std::string &screen)
+{
+    const std::size_t start = screen.rfind("\x1b[2J");
+    std::string frame = start == std::string::npos ? screen : screen.substr(start + 4);
+    std::vector<std::string> rows(1);
+    for (std::size_t i = 0; i < frame.size(); ++i) {
+        if (frame[i] == '\x1b') {
+            if (i + 1 < frame.size() && frame[i + 1] == '[')
+                for (i += 2; i < frame.size() && !(frame[i] >= 0x40 && frame[i] <= 0x7E); ++i) {
+                }
+        } else if (frame[i] == '\n') {
+            rows.emplace_back();
+        } else if (frame[i] != '\r') {
+            rows.back().push_back(frame[i]);
+        }
+    }
+    return rows;
+}
+
+// The cells a row takes, by the C library's own widths.
+inline int cellsOf(const std::string &row)
+{
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    std::wstring wide(row.size() + 1, L'\0');
+    const std::size_t count = std::mbstowcs(wide.data(), row.c_str(), wide.size());
+    return count == static_cast<std::size_t>(-1) ? 1 << 20 : ::wcswidth(wide.c_str(), count);
+}
 
 // Runs `program` with the session's arguments in a new working folder of its
 // own ("{dir}" in any text), takes the steps and checks what they must show.
@@ -272,6 +320,19 @@ inline void play(const std::string &program, const Session &session, bool pipeSt
         case '+': EXPECT_NE((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
         case '-': EXPECT_EQ((out + p.screen()).find(text), std::string::npos) << out << p.screen(); break;
         case '@': EXPECT_NE(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
+        case '[': {
+            p.settle();
+            std::string shown;
+            for (const std::string &row : lastDrawnRows(p.screen()))
+                shown += row + "\n";
+            EXPECT_NE(shown.find(text), std::string::npos) << shown;
+            break;
+        }
+        case '|':
+            p.settle();
+            for (const std::string &row : lastDrawnRows(p.screen()))
+                EXPECT_LE(cellsOf(row), session.columns) << row;
+            break;
         case '%': EXPECT_EQ(guiLog(out).find(text), std::string::npos) << guiLog(out); break;
         case '*':
             ASSERT_EQ(::tcgetattr(p.terminalFd(), &mode), 0);

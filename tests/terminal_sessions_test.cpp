@@ -7,6 +7,8 @@
 #include <OrvelGUIDialogs/Certificate.hpp>
 
 #include "support/FakeGui.hpp"
+#include "support/HostileSamples.hpp"
+#include "support/TestCertificates.hpp"
 
 namespace {
 
@@ -16,19 +18,20 @@ const std::string kGui = ORVEL_TEST_BUILD_DIR "/../gui/OrvelGUI.app/Contents/Mac
 const std::string kTool = ORVEL_TEST_BUILD_DIR "/../tools/orvel-dialogs";
 const std::string kData = ORVEL_SOURCE_DIR "/tests/data/";
 
-// The list text of the two test certificates, made by the library's encoder.
-std::string certificateList(bool forceSecond = false)
+// The list text of certificates, made by the library's encoder: by default
+// the two test certificates.
+std::string certificateList(bool forceSecond = false, std::vector<std::string> ders = {})
 {
-    std::string alice = readFile(kData + "alice.pem"), bob = readFile(kData + "bob.der"), text;
-    std::string texts[] = {"Jiří Novák", "2126-10-29", "2126-09-29", "Bob Example", "2026-12-01", "2026-11-01"};
-    const ORV_Certificate records[] = {
-        {alice.data(), static_cast<unsigned>(alice.size()), texts[0].data(), texts[1].data(), texts[2].data(), 36500,
-         false, false},
-        {bob.data(), static_cast<unsigned>(bob.size()), texts[3].data(), texts[4].data(), texts[5].data(), 3,
-         forceSecond, true}};
+    if (ders.empty())
+        ders = {readFile(kData + "alice.pem"), readFile(kData + "bob.der")};
+    std::string texts[] = {"Jiří Novák", "2126-10-29", "2126-09-29", "Bob Example", "2026-12-01", "2026-11-01"}, text;
     std::vector<Certificate> certificates;
-    for (const auto &record : records)
+    for (std::size_t i = 0; i < ders.size(); ++i) {
+        std::string *t = texts + (i ? 3 : 0);
+        const ORV_Certificate record{ders[i].data(), static_cast<unsigned>(ders[i].size()), t[0].data(), t[1].data(),
+                                     t[2].data(), i ? 3 : 36500, i && forceSecond, i > 0};
         certificates.push_back(Certificate().initWithCertificate(record));
+    }
     Certificate::encodeCertificateArrayToPropertyList(certificates, text);
     return text;
 }
@@ -127,8 +130,8 @@ std::vector<Session> guiSessions()
          true, {"LD_PRELOAD=" ORVEL_DUMPABLE_PROBE, "ASAN_OPTIONS=verify_asan_link_order=0:" + asanOptions}},
         {"CertificateDisplayShowsACertificate", {"-window", "DisplayCert", "-cert", base64(readFile(kData + "alice.pem"))},
          {"?Subject:\x1b[0m C = CZ, O = Orvel Test, CN = Jiří Novák", "?Valid until:\x1b[0m 2126-10-29",
-          "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:"
-          "8D:ED:6F:1B:ED:B7", "?Key usage:\x1b[0m digitalSignature, nonRepudiation", kEnter, "=0", "^DisplayCert -log "}},
+          "?Key usage:\x1b[0m digitalSignature, nonRepudiation", "?SHA-256 fingerprint:\x1b[0m 72:41:F7:55:37:46:FA:"
+          "FC:1B:7F:3C:81:9A:87:AB:98:89:13:A0:BE:F4:44:E0:94:CF:D5:8D:ED:6F:1B:ED:B7", kEnter, "=0", "^DisplayCert -log "}},
         {"CertificateDisplayShowsOtherBytes", {"-window", "DisplayCert", "-cert", base64("\x1b[2Jhello")},
          {"?Not a certificate (9 bytes):", "?1b 5b 32 4a 68 65 6c 6c 6f", kEscape, "=0"}},
         {"ReinsertCardTakesCommandsApartFromOneStream", {"-window", "ReinsertCard", "-lang", "2", "-message", "Card check"},
@@ -149,7 +152,7 @@ std::vector<Session> guiSessions()
         {"SignIsNotChoosableBeforeTheEnd", signing(clauses(15)), choose("1", "> 2. Decline", "0"), true, {}, {}, 12, 60},
         {"SignIsChoosableAtTheEnd", signing(clauses(15)), choose("\x1b[F1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         {"SignIsChoosableAfterPagingDown", signing(clauses(15)),
-         choose("\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
+         choose("\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~\x1b[6~1", "> 1. Sign", "1"), true, {}, {}, 12, 60},
         // Data that is no text: a hex dump under a warning, never blank.
         {"DataThatIsNoTextIsAWarnedHexDump", signing("Pay 100 \xe9UR"),
          choose("\x1b[B", "Warning: these data are not text.", "0"), true, {}, {}, 12, 60},
@@ -198,6 +201,46 @@ TEST_P(GuiSession, Runs)
 
 INSTANTIATE_TEST_SUITE_P(GuiApp, GuiSession, testing::ValuesIn(guiSessions()), sessionName);
 
+// The hostile documents of the desktop's test, at 24 by 80: no row wider
+// than the terminal, the first line on the first screen, every marker and
+// every text of the RTF shown, Sign offered only where there is something to
+// sign.
+std::vector<Session> hostileSessions()
+{
+    std::vector<Session> sessions;
+    for (const HostileSample &sample : hostileSamples()) {
+        std::vector<std::string> arguments = {"-window", "SignatureConfirm", "-lang", "2", "-certs", certificateList(),
+                                              "-version", "4.2", "-hashAlg", "SHA-256", "-hashVal", "AB",
+                                              "-data", base64(sample.data)};
+        if (sample.rtf)
+            arguments.insert(arguments.end(), {"-rtf", base64(*sample.rtf)});
+        std::vector<std::string> steps = {"?Esc cancels.", "|"};
+        for (const std::string &text : sample.shown)
+            steps.push_back("[" + text);
+        for (const std::string &text : sample.absent)
+            steps.push_back("-" + text);
+        if (sample.signable)
+            steps.insert(steps.end(), {"!\x1b[F1", "?> 1. Sign", "|", kEscape, "=2"});
+        else
+            steps.insert(steps.end(), {"[> 1. Decline", "-Sign (", kEnter, "=0", "^SignatureConfirm -result 0 "});
+        sessions.push_back({sample.name, arguments, steps, true, {}, {}, 24, 80});
+    }
+    // Names read from the certificate by type, whatever its texts hold.
+    const SpoofedCertificates made;
+    const std::string spoofed = certificateList(false, {made.ouHoldsCommonName, made.lineFeedInCommonName,
+                                                        made.bidiInCommonName, made.forgedIssuer});
+    sessions.push_back({"CertificatesAreNamedByTheirOwnFields",
+                        {"-window", "CertificateSelect", "-lang", "2", "-certs", spoofed},
+                        {"?Esc cancels.", "[1. Mallory | valid until", "[OU = \"x, CN = Jiří Novák, y\"",
+                         "[2. Mallory⟨U+000A⟩O = Česká národní banka | valid", "[3. Jan ⟨U+202E⟩káváN |",
+                         "-\u202E", "!4d", "?Issuer:", "[Issuer: O = Evil, OU = \"CN = Orvel Test Qualified CA\", CN = Evil CA",
+                         kEscape, kEscape, "=2"},
+                        true, {}, {}, 24, 80});
+    return sessions;
+}
+
+INSTANTIATE_TEST_SUITE_P(Hostile, GuiSession, testing::ValuesIn(hostileSessions()), sessionName);
+
 // The tool, with keys sent as a user would type them.
 std::vector<Session> toolSessions()
 {
@@ -245,16 +288,17 @@ std::vector<Session> toolSessions()
         {"ShowCertReadsADerFile", {"--lang", "en", "show-cert", bob},
          {"?Subject:\x1b[0m C = SK, O = Orvel Test, CN = Bob Example", "?Key usage:\x1b[0m not restricted", kEnter, "=0"}},
         {"SelectCertPrintsTheChosenIndex", {"select-cert", "--lang", "en", "--force-days", "100000", alice, bob},
-         {"?CN = Jiří Novák | valid until 2126-", "?RENEWAL REQUIRED by 2126-", "?2. C = SK, O = Orvel Test, CN = Bob "
-          "Example", kDown, "?> 2. C = SK", kEnter, "=0", ">1\n"}},
+         {"?1. Jiří Novák | valid until 2126-", "?RENEWAL REQUIRED by 2126-", "?C = CZ, O = Orvel Test, CN = Jiří Novák",
+          "?2. Bob Example", kDown, "?> 2. Bob Example", kEnter, "=0", ">1\n"}},
         // The hash is the tool's own, of --data.
         {"ConfirmSignatureWithAnotherCertificate",
          {"confirm-signature", "--lang", "en", "--data", "Pay 100 EUR", "--rtf", "{\\rtf1 Pay}", "--sign-version", "4.2",
           alice, bob},
-         {"?Application version:\x1b[0m 4.2", "?Pay 100 EUR", "?{\\rtf1 Pay}", "?Hash algorithm:\x1b[0m SHA-256",
-          "?D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91", "?Certificate:\x1b[0m C = CZ", "!3",
-          "?> 3. Change the certificate", kEnter, "?Select a certificate", "!2", "?> 2. C = SK", kEnter,
-          "?Certificate:\x1b[0m C = SK", "!1", "?> 1. Sign", kEnter, "=0", ">confirmed 1\n"}},
+         {"?Pay 100 EUR", "?Formatted text:\x1b[0m", "?\nPay\r", "?Hash algorithm:\x1b[0m SHA-256",
+          "?D11E9CF0D6D5932208BE8AFFF1FFEA231C2886B9DDC4247385D6D4F5D4945C91", "?Certificate:\x1b[0m Jiří Novák",
+          "?C = CZ, O = Orvel Test", "?Application version:\x1b[0m 4.2", "!3", "?> 3. Change the certificate", kEnter,
+          "?Select a certificate", "!2", "?> 2. Bob Example", kEnter, "?Certificate:\x1b[0m Bob Example", "!1",
+          "?> 1. Sign", kEnter, "=0", ">confirmed 1\n"}},
         // The GUI's status, passed on by the tool, not death by SIGINT.
         {"CtrlCCancelsTheDialogButNotTheHost", {"confirm-signature", "--lang", "en", "--data", "x", bob},
          {"?> 2. Decline", "!\x03", "=2", ">"}},

@@ -1,16 +1,24 @@
 // The desktop windows, offscreen: each built from a request, answered with keys
 // through the front end, and the outcome and answer checked.
+#include "common/VisibleText.hpp"
+#include "desktop/CertificateSelectWindow.hpp"
+#include "desktop/CertificateViewer.hpp"
 #include "desktop/DesktopFrontEnd.hpp"
 #include "desktop/FileChooserWindow.hpp"
+#include "desktop/HostText.hpp"
 #include "desktop/HostWatch.hpp"
+#include "desktop/MessageWindow.hpp"
 #include "desktop/Pkcs12Window.hpp"
 #include "desktop/SignatureConfirmWindow.hpp"
+#include "support/HostileSamples.hpp"
+#include "support/TestCertificates.hpp"
 
 #include <QApplication>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTableView>
 #include <QTimer>
 #include <QtTest>
 
@@ -73,7 +81,38 @@ Request request(Window window, unsigned preselected = 0)
     return r;
 }
 
+// Everything the window shows as text, one piece a line.
+QString shownText(const QWidget *window)
+{
+    QString all;
+    for (const QWidget *widget : window->findChildren<QWidget *>()) {
+        if (!widget->isVisibleTo(window))
+            continue;
+        if (const auto *label = qobject_cast<const QLabel *>(widget))
+            all += label->text() + QLatin1Char('\n');
+        else if (const auto *view = qobject_cast<const QPlainTextEdit *>(widget))
+            all += view->toPlainText() + QLatin1Char('\n');
+        else if (const auto *text = qobject_cast<const QTextEdit *>(widget))
+            all += text->toPlainText() + QLatin1Char('\n');
+    }
+    return all;
+}
+
+// Nothing in the text is hidden, and it holds what it must and not what it
+// must not.
+void checkShown(const QString &shown, const std::vector<std::string> &present, const std::vector<std::string> &absent)
+{
+    const std::string all = shown.toStdString();
+    QCOMPARE(OrvelGui::visibleText(all).hiddenCharacters, std::size_t(0));
+    for (const std::string &text : present)
+        QVERIFY2(all.find(text) != std::string::npos, (text + " in " + all).c_str());
+    for (const std::string &text : absent)
+        QVERIFY2(all.find(text) == std::string::npos, text.c_str());
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(OrvelTest::HostileSample)
 
 class DesktopWindowsTest : public QObject {
     Q_OBJECT
@@ -166,6 +205,8 @@ private slots:
         QTest::addColumn<QString>("shown");
         QTest::newRow("short text") << QByteArray("Pay 100 EUR") << true << "Pay 100 EUR";
         QTest::newRow("long text") << QByteArray("Clause.\n").repeated(400) << false << "Clause.";
+        QTest::newRow("long text with markers") << QByteArray("Clause \xe2\x80\xae.\n").repeated(400) << false
+                                                << "Clause ⟨U+202E⟩.";
         QTest::newRow("bytes that are not text") << QByteArray("Pay 100 \xe9UR") << true << "50 61 79 20";
         QTest::newRow("a 1 MB document, whole") << QByteArray("Clause of the contract.\n").repeated(44000) + "The end."
                                                 << false << "The end.";
@@ -184,6 +225,8 @@ private slots:
         QVERIFY(view->toPlainText().contains(shown));
         QFETCH(bool, signableAtOnce);
         QCOMPARE(window.signButton()->isEnabled(), signableAtOnce);
+        QTest::keyClick(view, Qt::Key_PageDown); // one page on, from the top
+        QCOMPARE(window.signButton()->isEnabled(), signableAtOnce);
         QVERIFY(window.declineButton()->isDefault());
         QTest::keyClick(view, Qt::Key_End, Qt::ControlModifier);
         QVERIFY(window.signButton()->isEnabled());
@@ -200,6 +243,61 @@ private slots:
         QCOMPARE(window.textViews().back()->toPlainText(), QString::fromUtf8("Zaplatí 100 €"));
     }
 
+    void hostileDocumentsAreShownAsTheyAre_data()
+    {
+        QTest::addColumn<OrvelTest::HostileSample>("sample");
+        for (const OrvelTest::HostileSample &sample : OrvelTest::hostileSamples())
+            QTest::newRow(sample.name) << sample;
+    }
+    void hostileDocumentsAreShownAsTheyAre()
+    {
+        QFETCH(OrvelTest::HostileSample, sample);
+        Request r = request(Window::SignatureConfirm);
+        r.data = sample.data;
+        r.rtf = sample.rtf;
+        SignatureConfirmWindow window(r);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+        checkShown(shownText(&window), sample.shown, sample.absent);
+        QCOMPARE(window.signButton() != nullptr, sample.signable);
+        // The keys read the data at once.
+        QCOMPARE(QApplication::focusWidget(), window.textViews().front());
+        // Not even a text holding nothing but the same hidden text as a
+        // message gets past.
+        r.message = sample.data;
+        MessageWindow message(r);
+        message.show();
+        checkShown(shownText(&message), {}, sample.absent);
+    }
+
+    void certificatesAreNamedByTheirOwnFields()
+    {
+        const OrvelTest::SpoofedCertificates made;
+        Request r = request(Window::CertificateSelect);
+        for (const std::string *der : {&made.ouHoldsCommonName, &made.lineFeedInCommonName, &made.bidiInCommonName,
+                                       &made.forgedIssuer, &made.longSubject})
+            r.certificates.push_back({*der, "CN = Jiří Novák", "2027-01-01", "2026-12-01", 30, false, false});
+        r.certificates.erase(r.certificates.begin(), r.certificates.begin() + 3);
+        CertificateSelectWindow select(r, 0);
+        const auto cell = [&](int row, int column) { return select.table()->model()->index(row, column).data().toString(); };
+        QVERIFY(cell(0, 0).startsWith(QStringLiteral("Mallory · OU = \"x, CN = Jiří Novák, y\"")));
+        QCOMPARE(cell(1, 0), QStringLiteral("Mallory⟨U+000A⟩O = Česká národní banka · C = CZ"));
+        QCOMPARE(cell(2, 0), QStringLiteral("Jan ⟨U+202E⟩káváN"));
+        QCOMPARE(cell(3, 1), QStringLiteral("Evil CA"));
+        checkShown(shownText(&select), {"holds characters"}, {});
+
+        // The signature window: the whole subject, wrapped, and the validity.
+        r.selected = 4;
+        SignatureConfirmWindow signature(r);
+        const QString row = signature.certificateText()->toPlainText();
+        QVERIFY2(row.contains(QStringLiteral("OU = \"Pobočka Brno, Purkyňova 2961-91a\", CN = Jiří Novák")), qPrintable(row));
+        QVERIFY(row.contains(QStringLiteral("Valid until: 2027-01-01")));
+
+        // The certificate window: the forged line stays on the common name's.
+        CertificateViewer viewer(r, made.lineFeedInCommonName);
+        checkShown(shownText(&viewer), {"CN = Mallory⟨U+000A⟩O = Česká národní banka"}, {"\nO = Česká"});
+    }
+
     void pkcs12ChecksThePasswordBeforeAnswering()
     {
         Request r = request(Window::SelectPKCS12);
@@ -209,7 +307,7 @@ private slots:
             QTimer::singleShot(50, [] {
                 auto *window = qobject_cast<Pkcs12Window *>(QApplication::activeModalWidget());
                 QVERIFY(window && window->problem()->isVisible());
-                QVERIFY(window->problem()->text().contains(QStringLiteral("Wrong password")));
+                QVERIFY(window->problemText().contains(QStringLiteral("Wrong password")));
                 QTest::keyClicks(window->passwordField(), QStringLiteral("heslo"));
                 QTest::keyClick(window->passwordField(), Qt::Key_Return);
             });
@@ -230,7 +328,7 @@ private slots:
         QVERIFY(window.isVisible());
         window.fileField()->setText(ORVEL_SOURCE_DIR "/tests/data/alice.pem");
         QTest::keyClick(window.passwordField(), Qt::Key_Return);
-        QVERIFY(window.problem()->text().contains(QStringLiteral("Not a PKCS#12")));
+        QVERIFY(window.problemText().contains(QStringLiteral("Not a PKCS#12")));
     }
 
     void fileFiltersBecomeNameFilters()

@@ -60,29 +60,41 @@ std::string nameText(const X509_NAME *name)
     return length > 0 ? std::string(data, static_cast<std::size_t>(length)) : std::string();
 }
 
-// Each attribute of a name as "SN = value", in the certificate's order.
-std::vector<std::string> nameParts(const X509_NAME *name)
+// Each attribute of a name by its type, in the certificate's order.
+DistinguishedName nameAttributes(const X509_NAME *name)
 {
-    std::vector<std::string> parts;
+    DistinguishedName attributes;
     const int count = name ? X509_NAME_entry_count(name) : 0;
     for (int i = 0; i < count; ++i) {
         const X509_NAME_ENTRY *entry = X509_NAME_get_entry(name, i);
         const ASN1_OBJECT *object = X509_NAME_ENTRY_get_object(entry);
         const int nid = OBJ_obj2nid(object);
-        char oid[80];
-        const char *label = nid != NID_undef ? OBJ_nid2sn(nid) : nullptr;
-        if (!label) {
+        NameAttribute attribute;
+        const char *shortName = nid != NID_undef ? OBJ_nid2sn(nid) : nullptr;
+        if (shortName) {
+            attribute.type = shortName;
+        } else {
+            char oid[128] = {};
             OBJ_obj2txt(oid, sizeof oid, object, 1);
-            label = oid;
+            attribute.type = oid;
         }
+        attribute.commonName = nid == NID_commonName;
+        attribute.sameSetAsPrevious = i > 0 && X509_NAME_ENTRY_set(entry) == X509_NAME_ENTRY_set(X509_NAME_get_entry(name, i - 1));
+        const ASN1_STRING *data = X509_NAME_ENTRY_get_data(entry);
         unsigned char *utf8 = nullptr;
-        const int length = ASN1_STRING_to_UTF8(&utf8, X509_NAME_ENTRY_get_data(entry));
-        std::string value = length >= 0 ? std::string(reinterpret_cast<char *>(utf8), static_cast<std::size_t>(length))
-                                        : std::string("?");
+        const int length = ASN1_STRING_to_UTF8(&utf8, data);
+        if (length >= 0) {
+            attribute.value.assign(reinterpret_cast<const char *>(utf8), static_cast<std::size_t>(length));
+        } else if (data) {
+            // Not convertible (a broken BMPString, say): the bytes as they
+            // are, which the windows show as markers where they are no text.
+            attribute.value.assign(reinterpret_cast<const char *>(ASN1_STRING_get0_data(data)),
+                                   static_cast<std::size_t>(ASN1_STRING_length(data)));
+        }
         OPENSSL_free(utf8);
-        parts.push_back(std::string(label) + " = " + value);
+        attributes.push_back(std::move(attribute));
     }
-    return parts;
+    return attributes;
 }
 
 std::string publicKeyText(X509 *cert)
@@ -200,8 +212,8 @@ CertificateDetails readCertificate(std::string_view bytes)
 
     details.subject = nameText(X509_get_subject_name(cert.get()));
     details.issuer = nameText(X509_get_issuer_name(cert.get()));
-    details.subjectParts = nameParts(X509_get_subject_name(cert.get()));
-    details.issuerParts = nameParts(X509_get_issuer_name(cert.get()));
+    details.subjectName = nameAttributes(X509_get_subject_name(cert.get()));
+    details.issuerName = nameAttributes(X509_get_issuer_name(cert.get()));
     details.publicKey = publicKeyText(cert.get());
     const int signatureNid = X509_get_signature_nid(cert.get());
     details.signatureAlgorithm = signatureNid != NID_undef ? OBJ_nid2ln(signatureNid) : "?";

@@ -10,17 +10,28 @@
 
 namespace OrvelGui {
 
+// One attribute of an X.509 name, read by its type.
+struct NameAttribute {
+    std::string type;  // OpenSSL's short name ("CN", "O", "OU"), else the OID in digits
+    std::string value; // UTF-8 as the certificate holds it; may hold any character
+    bool commonName = false;
+    bool sameSetAsPrevious = false; // a multi-valued RDN ("CN = a + UID = b")
+};
+using DistinguishedName = std::vector<NameAttribute>;
+
 struct CertificateDetails {
     bool isCertificate = false; // false: the bytes are no X.509 certificate
     std::string der;            // the certificate in DER
-    std::string subject;        // one line, UTF-8
+    // OpenSSL's one-line form (control characters escaped), as the host tool
+    // passes it on; the windows read subjectName and issuerName instead.
+    std::string subject;
     std::string issuer;
     std::string serial;         // hexadecimal, bytes separated by ":"
     std::string notBefore;      // "YYYY-MM-DD HH:MM:SS UTC"
     std::string notAfter;
     std::optional<std::int64_t> notAfterEpoch; // seconds since 1970, UTC
-    std::vector<std::string> subjectParts; // one "CN = ..." per attribute, most specific last
-    std::vector<std::string> issuerParts;
+    DistinguishedName subjectName; // in the certificate's order
+    DistinguishedName issuerName;
     std::string sha256;         // fingerprint of the DER, "AB:CD:..."
     std::string sha1;
     std::string publicKey;          // "RSA, 2048 bits"

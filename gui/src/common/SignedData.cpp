@@ -1,5 +1,7 @@
 #include "common/SignedData.hpp"
 
+#include "common/VisibleText.hpp"
+
 namespace OrvelGui {
 
 std::size_t utf8SequenceLength(std::string_view bytes, std::size_t i)
@@ -72,6 +74,11 @@ std::string hexDump(std::string_view bytes)
         out += "|\n";
     }
     return out;
+}
+
+bool nothingToSign(std::string_view data, const std::optional<RtfText> &formatted)
+{
+    return showsNothing(data) && (!formatted || showsNothing(formatted->text));
 }
 
 SignedDataView viewSignedData(std::string_view bytes)

@@ -3,7 +3,10 @@
 // never signed unseen).
 #pragma once
 
+#include "common/RtfText.hpp"
+
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -20,6 +23,11 @@ SignedDataView viewSignedData(std::string_view bytes);
 
 // The hex dump alone.
 std::string hexDump(std::string_view bytes);
+
+// Nothing that could be signed is there to be seen: the data show nothing
+// (empty, or white space alone) and neither does the formatted text, if any.
+// The windows then offer only to decline.
+bool nothingToSign(std::string_view data, const std::optional<RtfText> &formatted);
 
 bool isUtf8(std::string_view bytes);
 // Bytes of the well-formed UTF-8 sequence at bytes[i] (i < size); 0 when

@@ -87,7 +87,15 @@ const Texts kEnglish = {
     "SHA-1 fingerprint",
     "Scroll through all of the data to be signed to enable Sign.",
     "PKCS#12 files (*.p12 *.pfx)",
-    "Waiting for the card…",
+        "Waiting for the card…",
+    "Warning: this text holds characters that cannot be seen or that change the order of the text around them "
+    "({} in all). Each is shown in its place as a marker such as ⟨U+202E⟩.",
+    "Warning: the formatted text holds passages that the document hides or makes hard to see: hidden, in the "
+    "colour of the background, or tiny ({} in all). They are shown between ⟨hidden⟩ and ⟨/hidden⟩.",
+    "⟨hidden⟩",
+    "⟨/hidden⟩",
+    "Warning: the formatted text cannot be read as RTF. It is shown as it was sent, markup included.",
+    "There is nothing to sign: the data are empty. You can only decline.",
 };
 
 const Texts kCzech = {
@@ -174,7 +182,15 @@ const Texts kCzech = {
     "Otisk SHA-1",
     "Tlačítko Podepsat se zpřístupní, až projdete všechna data k podpisu.",
     "Soubory PKCS#12 (*.p12 *.pfx)",
-    "Čeká se na kartu…",
+        "Čeká se na kartu…",
+    "Upozornění: tento text obsahuje znaky, které nejsou vidět nebo mění pořadí okolního textu (počet: {}). "
+    "Každý je na svém místě zobrazen jako značka, například ⟨U+202E⟩.",
+    "Upozornění: formátovaný text obsahuje pasáže, které dokument skrývá nebo činí špatně viditelnými (skrytý text, "
+    "barva pozadí, drobné písmo; počet: {}). Jsou zobrazeny mezi ⟨skryté⟩ a ⟨/skryté⟩.",
+    "⟨skryté⟩",
+    "⟨/skryté⟩",
+    "Upozornění: formátovaný text nelze přečíst jako RTF. Zobrazuje se tak, jak byl poslán, včetně formátovacích značek.",
+    "Není co podepsat: data jsou prázdná. Můžete jen odmítnout.",
 };
 
 const Texts kSlovak = {
@@ -261,7 +277,15 @@ const Texts kSlovak = {
     "Odtlačok SHA-1",
     "Tlačidlo Podpísať sa sprístupní, keď prejdete všetky dáta na podpis.",
     "Súbory PKCS#12 (*.p12 *.pfx)",
-    "Čaká sa na kartu…",
+        "Čaká sa na kartu…",
+    "Upozornenie: tento text obsahuje znaky, ktoré nie sú vidieť alebo menia poradie okolitého textu (počet: {}). "
+    "Každý je na svojom mieste zobrazený ako značka, napríklad ⟨U+202E⟩.",
+    "Upozornenie: formátovaný text obsahuje pasáže, ktoré dokument skrýva alebo robí zle viditeľnými (skrytý text, "
+    "farba pozadia, drobné písmo; počet: {}). Sú zobrazené medzi ⟨skryté⟩ a ⟨/skryté⟩.",
+    "⟨skryté⟩",
+    "⟨/skryté⟩",
+    "Upozornenie: formátovaný text nemožno prečítať ako RTF. Zobrazuje sa tak, ako bol poslaný, vrátane formátovacích značiek.",
+    "Nie je čo podpísať: dáta sú prázdne. Môžete len odmietnuť.",
 };
 
 } // namespace

@@ -95,6 +95,13 @@ struct Texts {
     const char *readAllToSign;
     const char *pkcs12Filter;
     const char *reinsertWaiting;
+    // What the user is warned of before they read or sign a text.
+    const char *hiddenCharacters;
+    const char *concealedText;
+    const char *concealedStart;
+    const char *concealedEnd;
+    const char *rtfUnreadable;
+    const char *nothingToSign;
 };
 
 const Texts &texts(Language language);

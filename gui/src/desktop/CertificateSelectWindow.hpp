@@ -1,7 +1,9 @@
 // "CertificateSelect": the host's certificates in a sortable table that a
-// filter field narrows as one types; renewal marked with an icon; details on
-// a button or a double click. The signature window opens it to change the
-// certificate.
+// filter field narrows as one types (typing anywhere in the window goes to
+// it); each named from its own X.509 fields by type, long names elided in the
+// middle with the whole name in the tooltip; renewal marked with an icon;
+// details on a button or a double click. The signature window opens it to
+// change the certificate.
 #pragma once
 
 #include "desktop/DesktopWindow.hpp"
@@ -9,10 +11,11 @@
 class QLineEdit;
 class QPushButton;
 class QSortFilterProxyModel;
-class QStandardItemModel;
 class QTableView;
 
 namespace OrvelGui {
+
+class CertificateTableModel;
 
 class CertificateSelectWindow : public DesktopWindow {
     Q_OBJECT
@@ -24,11 +27,14 @@ public:
     QTableView *table() const { return table_; }
     QLineEdit *filter() const { return filter_; }
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void showDetails();
     void rowsChanged();
 
-    QStandardItemModel *model_ = nullptr;
+    CertificateTableModel *model_ = nullptr;
     QSortFilterProxyModel *proxy_ = nullptr;
     QTableView *table_ = nullptr;
     QLineEdit *filter_ = nullptr;

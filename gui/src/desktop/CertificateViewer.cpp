@@ -1,7 +1,8 @@
 #include "desktop/CertificateViewer.hpp"
 
-#include "common/CertificateText.hpp"
+#include "common/CertificateDescription.hpp"
 #include "common/SignedData.hpp"
+#include "desktop/HostText.hpp"
 
 #include <QDialogButtonBox>
 #include <QFontDatabase>
@@ -9,23 +10,15 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QScrollArea>
+#include <QTextCursor>
+#include <QTextEdit>
+#include <QTextTable>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <ctime>
 
 namespace OrvelGui {
-namespace {
-
-QString joined(const std::vector<std::string> &parts, const char *separator)
-{
-    QStringList list;
-    for (const auto &part : parts)
-        list << qs(part);
-    return list.join(QString::fromUtf8(separator));
-}
-
-} // namespace
 
 CertificateViewer::CertificateViewer(const Request &request, const std::string &bytes, QWidget *parent)
     : DesktopWindow(request, texts(request.language).titleCertificate, parent)
@@ -40,42 +33,45 @@ CertificateViewer::CertificateViewer(const Request &request, const std::string &
         dump->setMinimumSize(640, 200);
         layout->addWidget(dump);
     } else {
-        auto *fields = new QWidget;
-        auto *form = new QFormLayout(fields);
-        form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+        const std::vector<CertificateField> fields = describeCertificate(
+            details, t, static_cast<std::int64_t>(std::time(nullptr)), NameLayout::LinePerAttribute);
+        std::size_t hidden = 0;
+        for (const CertificateField &field : fields)
+            hidden += field.value.hiddenCharacters;
+        if (QLabel *warning = hiddenCharactersWarning(t, hidden, this))
+            layout->addWidget(warning);
+        // One document for all fields, so that they scroll together and a
+        // long value wraps in its own column.
+        auto *view = new QTextEdit(this);
+        view->setReadOnly(true);
+        view->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+        view->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+        view->setAccessibleName(qs(t.titleCertificate));
+        view->setTabChangesFocus(true);
+        view->setMinimumSize(620, 420);
+        QTextCursor cursor(view->document());
+        QTextTableFormat format;
+        format.setBorderStyle(QTextFrameFormat::BorderStyle_None);
+        format.setCellPadding(3);
+        format.setColumnWidthConstraints({QTextLength(QTextLength::VariableLength, 0),
+                                          QTextLength(QTextLength::PercentageLength, 72)});
+        QTextTable *table = cursor.insertTable(static_cast<int>(fields.size()), 2, format);
+        QTextCharFormat labelFormat;
+        labelFormat.setFontWeight(QFont::Bold);
         const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-        const auto add = [&](const char *label, const QString &value, bool monospace = false) {
-            QLabel *shown = plainLabel(value, fields);
-            shown->setAccessibleName(qs(label));
-            shown->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-            if (monospace)
-                shown->setFont(fixed);
-            auto *name = new QLabel(qs(label) + QLatin1Char(':'), fields);
-            name->setBuddy(shown);
-            form->addRow(name, shown);
-        };
-        add(t.subject, joined(details.subjectParts, "\n"));
-        add(t.issuer, joined(details.issuerParts, "\n"));
-        add(t.serial, qs(details.serial), true);
-        add(t.validFrom, qs(details.notBefore));
-        add(t.validUntil, qs(details.notAfter));
-        if (const auto days = daysRemaining(details, static_cast<std::int64_t>(std::time(nullptr))))
-            add(t.daysLeft, qs(fill(t.daysRemaining, {std::to_string(*days)})));
-        add(t.publicKey, qs(details.publicKey));
-        add(t.signatureAlgorithm, qs(details.signatureAlgorithm));
-        add(t.keyUsage, details.keyUsageRestricted ? joined(details.keyUsage, ", ") : qs(t.keyUsageAny));
-        if (!details.extendedKeyUsage.empty())
-            add(t.extendedKeyUsage, joined(details.extendedKeyUsage, ", "));
-        if (!details.subjectAltNames.empty())
-            add(t.subjectAltNames, joined(details.subjectAltNames, "\n"));
-        add(t.fingerprint, qs(details.sha256), true);
-        add(t.fingerprintSha1, qs(details.sha1), true);
-        auto *scroll = new QScrollArea(this);
-        scroll->setWidget(fields);
-        scroll->setWidgetResizable(true);
-        scroll->setFrameShape(QFrame::NoFrame);
-        scroll->setMinimumSize(fields->sizeHint().boundedTo(QSize(900, 560)) + QSize(24, 8));
-        layout->addWidget(scroll);
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            const int row = static_cast<int>(i);
+            QTextCursor name = table->cellAt(row, 0).firstCursorPosition();
+            name.insertText(qs(fields[i].label) + QLatin1Char(':'), labelFormat);
+            QTextCursor value = table->cellAt(row, 1).firstCursorPosition();
+            insertVisibleText(value, fields[i].value, fields[i].monospace ? &fixed : nullptr);
+        }
+        view->moveCursor(QTextCursor::Start);
+        // As tall as the fields, up to what a screen holds; then it scrolls.
+        view->document()->setTextWidth(600);
+        const int height = static_cast<int>(view->document()->size().height()) + 2 * view->frameWidth() + 4;
+        view->setMinimumHeight(std::min(height, 600));
+        layout->addWidget(view);
     }
     addOkButton(layout);
 }

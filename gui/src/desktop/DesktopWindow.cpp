@@ -9,15 +9,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-#include <algorithm>
 
 namespace OrvelGui {
-
-namespace {
-// Past this a message scrolls instead of stretching the window.
-constexpr qsizetype kLongText = 600;
-constexpr qsizetype kManyLines = 12;
-} // namespace
 
 QString qs(const std::string &text)
 {
@@ -52,16 +45,6 @@ QPlainTextEdit *textView(const QString &text, bool monospace, QWidget *parent)
     if (monospace)
         view->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     view->setTabChangesFocus(true);
-    return view;
-}
-
-QWidget *messageView(const std::string &text, QWidget *parent)
-{
-    const QString shown = qs(text);
-    if (shown.size() < kLongText && shown.count(QLatin1Char('\n')) < kManyLines)
-        return plainLabel(shown, parent);
-    QPlainTextEdit *view = textView(shown, false, parent);
-    view->setMinimumSize(520, 240);
     return view;
 }
 

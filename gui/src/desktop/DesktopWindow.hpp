@@ -25,9 +25,6 @@ QString qs(const char *text);
 QLabel *plainLabel(const QString &text, QWidget *parent);
 // A read-only, scrollable text; fixed width when `monospace`.
 QPlainTextEdit *textView(const QString &text, bool monospace, QWidget *parent);
-// Short texts as a label, long ones (that would make the window taller than
-// the screen) in a scrollable view.
-QWidget *messageView(const std::string &text, QWidget *parent);
 
 class DesktopWindow : public QDialog {
     Q_OBJECT

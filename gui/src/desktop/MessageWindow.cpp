@@ -1,5 +1,7 @@
 #include "desktop/MessageWindow.hpp"
 
+#include "desktop/HostText.hpp"
+
 #include <QDialogButtonBox>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -16,19 +18,22 @@ QLayout *iconAndText(QStyle::StandardPixmap icon, const Request &request, QWidge
     iconLabel->setPixmap(parent->style()->standardIcon(icon, nullptr, parent).pixmap(size, size));
     iconLabel->setAlignment(Qt::AlignTop);
     row->addWidget(iconLabel);
-    auto *texts = new QVBoxLayout;
-    QWidget *message = messageView(request.message, parent);
-    message->setAccessibleName(QStringLiteral("message"));
-    texts->addWidget(message);
+    auto *column = new QVBoxLayout;
+    const VisibleText message = visibleText(request.message);
+    const VisibleText info = visibleText(request.info);
+    if (QLabel *warning = hiddenCharactersWarning(texts(request.language), message.hiddenCharacters +
+                                                                               info.hiddenCharacters, parent))
+        column->addWidget(warning);
+    auto *messageText = new HostText(message, parent);
+    messageText->setAccessibleName(QStringLiteral("message"));
+    column->addWidget(messageText);
     if (!request.info.empty()) {
-        QWidget *info = messageView(request.info, parent);
-        info->setAccessibleName(QStringLiteral("info"));
-        texts->addWidget(info);
+        auto *infoText = new HostText(info, parent);
+        infoText->setAccessibleName(QStringLiteral("info"));
+        column->addWidget(infoText);
     }
-    texts->addStretch();
-    row->addLayout(texts, 1);
-    // Wide enough that a usual sentence stays on one or two lines.
-    message->setMinimumWidth(360);
+    column->addStretch();
+    row->addLayout(column, 1);
     return row;
 }
 

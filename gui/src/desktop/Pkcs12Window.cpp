@@ -2,6 +2,7 @@
 
 #include "common/PasswordMemory.hpp"
 #include "common/Pkcs12Check.hpp"
+#include "desktop/HostText.hpp"
 #include "desktop/HostWatch.hpp"
 
 #include <QDialogButtonBox>
@@ -29,7 +30,7 @@ Pkcs12Window::Pkcs12Window(const Request &request, QWidget *parent)
     };
     auto *layout = new QVBoxLayout(this);
     auto *form = new QFormLayout;
-    file_ = new QLineEdit(qs(request.fileName), this);
+    file_ = new QLineEdit(qs(offeredAsShown(request.fileName)), this);
     file_->setAccessibleName(label(t.pkcs12File));
     file_->setMinimumWidth(380);
     auto *browse = new QPushButton(qs(t.browse), this);
@@ -44,8 +45,10 @@ Pkcs12Window::Pkcs12Window(const Request &request, QWidget *parent)
     password_->setAccessibleName(label(t.password));
     form->addRow(label(t.password) + QLatin1Char(':'), password_);
     layout->addLayout(form);
-    problem_ = plainLabel(QString(), this);
-    problem_->setStyleSheet(QStringLiteral("color: #b00000"));
+    problem_ = new HostText({}, this, 4);
+    QPalette red = problem_->palette();
+    red.setColor(QPalette::Text, QColor(0xb0, 0x00, 0x00));
+    problem_->setPalette(red);
     problem_->setAccessibleName(QStringLiteral("problem"));
     problem_->hide();
     layout->addWidget(problem_);
@@ -89,6 +92,16 @@ std::string Pkcs12Window::password() const
     return typed;
 }
 
+QWidget *Pkcs12Window::problem() const
+{
+    return problem_;
+}
+
+QString Pkcs12Window::problemText() const
+{
+    return problem_->toPlainText();
+}
+
 void Pkcs12Window::browse()
 {
     const QFileInfo current(file_->text());
@@ -125,7 +138,7 @@ void Pkcs12Window::accept()
         problem = texts_.pkcs12WrongPassword;
         break;
     }
-    problem_->setText(qs(fill(problem, {file})));
+    problem_->setText(fillVisible(problem, {file}));
     problem_->show();
     password_->selectAll();
     password_->setFocus();

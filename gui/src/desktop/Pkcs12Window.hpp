@@ -11,6 +11,8 @@ class QPushButton;
 
 namespace OrvelGui {
 
+class HostText;
+
 class Pkcs12Window : public DesktopWindow {
     Q_OBJECT
 public:
@@ -22,7 +24,9 @@ public:
 
     QLineEdit *fileField() const { return file_; }
     QLineEdit *passwordField() const { return password_; }
-    QLabel *problem() const { return problem_; }
+    // What is wrong with the file or the password, when it is shown.
+    QWidget *problem() const;
+    QString problemText() const;
 
 public slots:
     void accept() override;
@@ -32,7 +36,7 @@ private:
 
     QLineEdit *file_ = nullptr;
     QLineEdit *password_ = nullptr;
-    QLabel *problem_ = nullptr;
+    HostText *problem_ = nullptr;
     QPushButton *ok_ = nullptr;
 };
 

@@ -1,5 +1,7 @@
 #include "desktop/ReinsertCardWindow.hpp"
 
+#include "desktop/HostText.hpp"
+
 #include <QDialogButtonBox>
 #include <QEventLoop>
 #include <QLabel>
@@ -25,9 +27,12 @@ ReinsertCardWindow::ReinsertCardWindow(const Request &request, ReinsertCommandRe
     icon->setPixmap(style()->standardIcon(QStyle::SP_DriveHDIcon, nullptr, this).pixmap(size, size));
     icon->setAlignment(Qt::AlignTop);
     row->addWidget(icon);
-    QWidget *message = messageView(request.message, this);
+    const VisibleText text = visibleText(request.message);
+    auto *message = new HostText(text, this);
     message->setAccessibleName(QStringLiteral("message"));
     row->addWidget(message, 1);
+    if (QLabel *warning = hiddenCharactersWarning(texts_, text.hiddenCharacters, this))
+        layout->addWidget(warning);
     layout->addLayout(row);
 
     state_ = plainLabel(qs(texts_.reinsertWaiting), this);
@@ -49,6 +54,7 @@ ReinsertCardWindow::ReinsertCardWindow(const Request &request, ReinsertCommandRe
     QPushButton *hide = buttons->addButton(qs(texts_.hide), QDialogButtonBox::RejectRole);
     hide->setAccessibleName(qs(texts_.hide));
     hide->setDefault(true);
+    hide->setFocus();
     connect(buttons, &QDialogButtonBox::rejected, this, &ReinsertCardWindow::reject);
     layout->addWidget(buttons);
     setMinimumWidth(420);

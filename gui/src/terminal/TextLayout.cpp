@@ -1,34 +1,12 @@
 #include "terminal/TextLayout.hpp"
 
 #include "common/SignedData.hpp"
+#include "common/VisibleText.hpp"
 
 #include <algorithm>
 
 namespace OrvelGui {
 namespace {
-
-char32_t codePoint(std::string_view text, std::size_t i, std::size_t length)
-{
-    static constexpr unsigned char kLeadMask[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-    char32_t value = static_cast<unsigned char>(text[i]) & kLeadMask[length];
-    for (std::size_t k = 1; k < length; ++k)
-        value = (value << 6) | (static_cast<unsigned char>(text[i + k]) & 0x3F);
-    return value;
-}
-
-// Cells of one character. The common ranges only; enough for Latin,
-// Cyrillic, Greek and the usual East Asian text.
-std::size_t cellsOf(char32_t c)
-{
-    if ((c >= 0x300 && c <= 0x36F) || (c >= 0x200B && c <= 0x200F) || (c >= 0xFE00 && c <= 0xFE0F))
-        return 0;
-    if ((c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
-        (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE4F) || (c >= 0xFF00 && c <= 0xFF60) ||
-        (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1F64F) || (c >= 0x1F900 && c <= 0x1F9FF) ||
-        (c >= 0x20000 && c <= 0x3FFFD))
-        return 2;
-    return 1;
-}
 
 // One step through laid-out text: the bytes of the next character or escape
 // sequence at text[i], and its cells.
@@ -52,35 +30,82 @@ Piece pieceAt(std::string_view text, std::size_t i)
     }
     const std::size_t length = utf8SequenceLength(text, i);
     if (length == 0)
-        return {1, 1}; // printed as one replacement
-    return {length, cellsOf(codePoint(text, i, length))};
+        return {1, 2}; // never there (VisibleText marks such bytes); counted wide
+    return {length, terminalCells(decodeUtf8(text, i, length))};
 }
+
+// The styles of our escape sequences that are on at a point of a line.
+class StyleState {
+public:
+    // Follows the sequences in `text`.
+    void follow(std::string_view text)
+    {
+        for (std::size_t i = text.find('\x1b'); i != std::string_view::npos; i = text.find('\x1b', i + 1)) {
+            if (i + 2 >= text.size() || text[i + 1] != '[')
+                continue;
+            int code = 0;
+            for (std::size_t k = i + 2; k < text.size(); ++k) {
+                const char c = text[k];
+                if (c >= '0' && c <= '9') {
+                    code = code * 10 + (c - '0');
+                    continue;
+                }
+                apply(code);
+                code = 0;
+                if (c != ';')
+                    break;
+            }
+        }
+    }
+    bool on() const { return bold_ || dim_ || reverse_; }
+    // What switches the styles on again on a new row.
+    std::string sequence() const
+    {
+        std::string out;
+        if (bold_)
+            out += "\x1b[1m";
+        if (dim_)
+            out += "\x1b[2m";
+        if (reverse_)
+            out += "\x1b[7m";
+        return out;
+    }
+
+private:
+    void apply(int code)
+    {
+        switch (code) {
+        case 0:
+            bold_ = dim_ = reverse_ = false;
+            break;
+        case 1:
+            bold_ = true;
+            break;
+        case 2:
+            dim_ = true;
+            break;
+        case 22:
+            bold_ = dim_ = false;
+            break;
+        case 7:
+            reverse_ = true;
+            break;
+        case 27:
+            reverse_ = false;
+            break;
+        default:
+            break;
+        }
+    }
+
+    bool bold_ = false;
+    bool dim_ = false;
+    bool reverse_ = false;
+};
+
+constexpr const char *kReset = "\x1b[0m";
 
 } // namespace
-
-std::string printable(const std::string &text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (std::size_t i = 0; i < text.size();) {
-        const std::size_t length = utf8SequenceLength(text, i);
-        if (length == 0) {
-            out.push_back('?');
-            ++i;
-            continue;
-        }
-        const auto lead = static_cast<unsigned char>(text[i]);
-        const bool c1 = lead == 0xC2 && static_cast<unsigned char>(text[i + 1]) < 0xA0;
-        if (lead == '\t')
-            out.push_back(' ');
-        else if (lead < 0x20 || lead == 0x7F || c1)
-            out.push_back('?');
-        else
-            out.append(text, i, length);
-        i += length;
-    }
-    return out;
-}
 
 std::size_t displayWidth(std::string_view text)
 {
@@ -101,9 +126,13 @@ std::vector<std::string> wrapLine(const std::string &line, std::size_t width)
     std::string row;
     std::size_t rowCells = 0;
     std::size_t i = 0;
+    StyleState style;
     const auto endRow = [&] {
-        rows.push_back(row);
-        row.clear();
+        style.follow(row);
+        if (style.on())
+            row += kReset;
+        rows.push_back(std::move(row));
+        row = style.sequence();
         rowCells = 0;
     };
     while (i < line.size()) {
@@ -135,14 +164,17 @@ std::vector<std::string> wrapLine(const std::string &line, std::size_t width)
         }
         for (std::size_t k = 0; k < word.size();) {
             const Piece piece = pieceAt(word, k);
-            if (rowCells + piece.cells > width)
+            if (rowCells + piece.cells > width && rowCells > 0)
                 endRow();
             row.append(word.substr(k, piece.length));
             rowCells += piece.cells;
             k += piece.length;
         }
     }
-    endRow();
+    style.follow(row);
+    if (style.on())
+        row += kReset;
+    rows.push_back(std::move(row));
     return rows;
 }
 
@@ -160,28 +192,30 @@ std::string fitWidth(const std::string &text, std::size_t width)
         cells += piece.cells;
         i += piece.length;
     }
+    StyleState style;
+    style.follow(out);
+    if (style.on())
+        out += kReset;
     return out + (width > 0 ? "…" : "");
 }
 
 std::string fitWidthFromEnd(const std::string &text, std::size_t width)
 {
-    if (displayWidth(text) <= width)
+    const std::size_t total = displayWidth(text);
+    if (total <= width)
         return text;
-    std::size_t cells = 0;
-    std::size_t start = text.size();
-    // Walk back to the start of each character (UTF-8 continuation bytes
-    // belong to the character before them).
-    while (start > 0) {
-        std::size_t begin = start - 1;
-        while (begin > 0 && (static_cast<unsigned char>(text[begin]) & 0xC0) == 0x80)
-            --begin;
-        const std::size_t pieceCells = pieceAt(text, begin).cells;
-        if (cells + pieceCells + 1 > width)
-            break;
-        cells += pieceCells;
-        start = begin;
+    // Drop whole pieces (characters, escape sequences) from the front until
+    // the rest and the "…" fit; the styles dropped with them are put back.
+    std::size_t cells = total;
+    std::size_t start = 0;
+    while (start < text.size() && cells + 1 > width) {
+        const Piece piece = pieceAt(text, start);
+        cells -= piece.cells;
+        start += piece.length;
     }
-    return (width > 0 ? "…" : "") + text.substr(start);
+    StyleState style;
+    style.follow(std::string_view(text).substr(0, start));
+    return (width > 0 ? "…" : "") + style.sequence() + text.substr(start);
 }
 
 } // namespace OrvelGui

@@ -1,7 +1,10 @@
-// Text laid out in a terminal's cells: made safe to print, measured, wrapped
-// at word boundaries and cut to a width. Widths count display cells: one for
-// most characters, none for combining marks and for our own escape sequences
-// (bold, reverse), two for East Asian wide characters.
+// Text laid out in a terminal's cells: measured, wrapped at word boundaries
+// and cut to a width. Widths count display cells as terminals draw them
+// (terminalCells(): none for combining marks, two for East Asian wide
+// characters and emoji, two where the width is not known) and none for our
+// own escape sequences (bold, dim, reverse). Outside text reaches these only
+// through VisibleText (see TerminalText.hpp), so it holds no control
+// character that could steer the terminal.
 #pragma once
 
 #include <cstddef>
@@ -11,16 +14,14 @@
 
 namespace OrvelGui {
 
-// Text from outside made safe to print: invalid UTF-8 and control characters
-// (which could steer the terminal) become "?", a tab a space.
-std::string printable(const std::string &text);
-
 std::size_t displayWidth(std::string_view text);
 
 // One line (no line feed) broken into rows of at most `width` cells, at the
 // spaces between words; a word wider than a row is broken inside. The spaces
 // where a row ends are dropped, the others (such as the columns of a hex dump)
-// kept. An empty line gives one empty row.
+// kept. An empty line gives one empty row. A style (bold, dim, reverse) that
+// is on where a row ends is switched off there and on again on the next row,
+// so that each row can be drawn alone.
 std::vector<std::string> wrapLine(const std::string &line, std::size_t width);
 
 // The text cut to `width` cells, with "…" in place of what did not fit.
